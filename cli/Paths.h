@@ -1,0 +1,24 @@
+#pragma once
+
+#include "encap/foundation/Types.h"
+
+#include <string_view>
+
+// Paths as documents name them: both "/" and "\" separate directories.
+namespace encap::cli {
+
+/// Begins with a separator or a drive ("C:").
+[[nodiscard]] bool IsAbsolutePath(std::wstring_view path);
+/// The path up to and with its last separator; empty when it has none.
+[[nodiscard]] CString FolderOf(const CString& path);
+/// The last component of a path.
+[[nodiscard]] CString FileNameOf(const CString& path);
+/// Where the file is that a document refers to: a relative name stands beside the document, an
+/// absolute one for itself or, when there is no such file, for the file of that name beside the
+/// document.
+[[nodiscard]] CString ResolveReference(const CString& document, CString name);
+[[nodiscard]] bool IsDirectory(const CString& path);
+/// Both are there and lead to one file.
+[[nodiscard]] bool IsSameFile(const CString& left, const CString& right);
+
+} // namespace encap::cli

@@ -1,0 +1,45 @@
+# The headers that are installed, each by its include path: what encap/encap.h leads to, and what
+# encap::host adds to it. scripts/check_layers compares both lists with what the headers include,
+# so a header becomes public only on purpose.
+set(ENCAP_PUBLIC_HEADERS
+    encap/encap.h
+    encap/evaluation/EvaluatorProvider.h
+    encap/evaluation/TableEvaluator.h
+    encap/family/Family.h
+    encap/family/FamilyPropType.h
+    encap/foundation/CaseFolding.h
+    encap/foundation/DataTypes.h
+    encap/foundation/Export.h
+    encap/foundation/RangeParser.h
+    encap/foundation/StringMap.h
+    encap/foundation/StringUtil.h
+    encap/foundation/Types.h
+    encap/icons/IconRecords.h
+    encap/icons/Icons.h
+    encap/mapping/FamilyColVexilData.h
+    encap/mapping/FamilyMapping.h
+    encap/mapping/FamilyTemplate.h
+    encap/mapping/FamilyTemplateParameter.h
+    encap/mapping/MemberColToParam.h
+    encap/mapping/MemberColToTemplate.h
+    encap/platform/Clipboard.h
+    encap/platform/IconHandles.h
+    encap/platform/MessageBox.h
+    encap/table/ConstFamilyColumn.h
+    encap/table/FamilyColumn.h
+    encap/table/FamilyRow.h
+    encap/table/FamilyTable.h
+    encap/toc/Toc.h
+    encap/toc/TocCategory.h
+    encap/toc/TocFamily.h
+    encap/xml/QueryLiteral.h
+    encap/xml/XMLNode.h
+    encap/xml/XMLNodeArray.h
+    encap/xml/XMLParser.h
+)
+set(ENCAP_GENERATED_PUBLIC_HEADERS
+    encap/foundation/Version.h
+)
+set(ENCAP_HOST_PUBLIC_HEADERS
+    encap/host/StandaloneEvaluatorProvider.h
+)

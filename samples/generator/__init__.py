@@ -1,0 +1,1 @@
+"""Generator of the sample content library; see generate.py."""

@@ -1,0 +1,224 @@
+#include "encap/host/StandaloneEvaluatorProvider.h"
+#include "encap/platform/Files.h"
+#include "encap/platform/Locale.h"
+#include "encap/table/ValueCacheStore.h"
+#include "tests/platform/TemporaryFolder.h"
+#include "tests/support/FakeProvider.h"
+#include "tests/support/FamilyBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+using encap::ValueCacheStore;
+using encap::test::CellText;
+using encap::test::FakeProvider;
+using encap::test::FamilyBuilder;
+
+TEST(ValueCacheStore, KeepsValuesByRowColumnAndLanguage)
+{
+    ValueCacheStore store(L"");
+    const uint32_t a = store.ColumnNumber(L"A");
+    const uint32_t b = store.ColumnNumber(L"B");
+    store.Set(L"r", a, L"en", L"1");
+    store.Set(L"r", b, L"en", CString(40, L'\x4E2D'));
+    store.Set(L"r", a, L"de", L"");
+    CString value = L"kept";
+    EXPECT_EQ(store.Get(L"r", b, L"de", value), 1);
+    EXPECT_EQ(store.Get(L"R", a, L"en", value), 1) << "exact";
+    EXPECT_EQ(value, L"kept");
+    EXPECT_EQ(store.Get(L"r", a, L"de", value), 0) << "an empty value is a value";
+    EXPECT_EQ(store.Get(L"r", b, L"en", value), 0);
+    EXPECT_EQ(value, CString(40, L'\x4E2D'));
+    store.RemoveAllLanguages(L"r", a);
+    EXPECT_EQ(store.Get(L"r", a, L"en", value), 1);
+    store.ForgetRow(L"r");
+    EXPECT_EQ(store.Get(L"r", b, L"en", value), 1);
+    EXPECT_EQ(store.RowCache(L"r", false), nullptr);
+}
+
+TEST(ValueCacheStore, RowCachesFollowTheInterface)
+{
+    ValueCacheStore store(L"");
+    CValueCacheSimple simple(store);
+    CValueCacheLoc localized(store);
+    for (CValueCache* cache : {static_cast<CValueCache*>(&simple), static_cast<CValueCache*>(&localized)}) {
+        CString value;
+        cache->Set(L"A", L"en", L"1");
+        cache->Set(L"B", L"en", L"2");
+        EXPECT_EQ(cache->Get(L"A", L"en", value), 0);
+        EXPECT_EQ(value, L"1");
+        EXPECT_EQ(cache->Get(L"A", L"de", value), cache == &simple ? 0 : 1);
+        cache->Remove(L"A");
+        EXPECT_EQ(cache->Get(L"A", L"en", value), 1);
+        cache->Remove(L"B", L"en");
+        EXPECT_EQ(cache->Get(L"B", L"en", value), 1);
+        cache->Set(L"B", L"en", L"3");
+        cache->Clear();
+        EXPECT_EQ(cache->Get(L"B", L"en", value), 1);
+    }
+}
+
+namespace {
+
+/// A folder for the cache file of a family whose host says how often it was asked.
+class CacheFile : public ::testing::Test {
+protected:
+    CacheFile() : locale(L'.', 4711), path(folder.File(L"TableCache_4711.dat"))
+    {
+        builder.Column({L"W", L"double", L"mm"})
+            .Column({L"X", L"double", L"mm", L"{W}*2"})
+            .Column({L"T", L"string", L"", L"caf\x00E9 \x4E2D & {W}"})
+            .Row(L"r", {{L"W", L"3"}})
+            .Row(L"s", {{L"W", L"4"}});
+        provider.expressions = {{L"3mm*2", {0, 6.0}}, {L"4mm*2", {0, 8.0}}};
+    }
+    std::unique_ptr<CEncapFamily> Open()
+    {
+        provider.calls.clear();
+        return builder.Open(&provider, {L"<S xml:lang='en'/>"}, false, folder.File(L""));
+    }
+    void Fill()
+    {
+        const auto family = Open();
+        for (const wchar_t* row : {L"r", L"s"}) {
+            CellText(*family, row, L"X");
+            CellText(*family, row, L"T");
+        }
+    }
+    std::string Bytes() const
+    {
+        std::string bytes;
+        EXPECT_TRUE(encap::platform::ReadWholeFile(path, bytes));
+        return bytes;
+    }
+
+    /// Puts other bytes into the file, without the flushes of a careful save.
+    void Damage(const std::string& bytes) const
+    {
+        std::ofstream file(folder.Native(L"TableCache_4711.dat"), std::ios::binary);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+
+    encap::platform::ScopedUserLocale locale;
+    TemporaryFolder folder;
+    CString path;
+    FamilyBuilder builder;
+    FakeProvider provider;
+};
+
+} // namespace
+
+TEST_F(CacheFile, IsReadAtTheNextOpening)
+{
+    Fill();
+    const std::string first = Bytes();
+    {
+        const auto family = Open();
+        EXPECT_EQ(CellText(*family, L"r", L"X"), L"6");
+        EXPECT_EQ(CellText(*family, L"s", L"T"), L"caf\x00E9 \x4E2D" L"4");
+        EXPECT_TRUE(provider.calls.empty());
+        encap::platform::DeleteFileIfPresent(path);
+    }
+    EXPECT_FALSE(encap::platform::FileExists(path)) << "nothing changed: nothing was written";
+    Fill();
+    EXPECT_EQ(Bytes(), first);
+}
+
+TEST_F(CacheFile, HasTheDocumentedBytes)
+{
+    FamilyBuilder small;
+    small.Column({L"A", L"string"}).Row(L"r", {{L"A", L"v"}});
+    {
+        const auto family = small.Open(&provider, {L"<S xml:lang='en'/>"}, false, folder.File(L""));
+        CellText(*family, L"r", L"A");
+    }
+    const auto text = [](const std::string& ascii) {
+        std::string bytes = "\xFF\xFE\xFF";
+        bytes += static_cast<char>(ascii.size());
+        for (const char character : ascii) {
+            bytes += character;
+            bytes += '\0';
+        }
+        return bytes;
+    };
+    const auto int32 = [](char low) { return std::string{low, 0, 0, 0}; };
+    const auto int16 = [](char low) { return std::string{low, 0}; };
+    EXPECT_EQ(Bytes(), int32(1) + int16(1) + text("A") + int16(1) + text("en") + int32(1) +
+                           text("r") + int32(1) + int16(0) + int32(1) + int16(0) + text("v"));
+}
+
+TEST_F(CacheFile, LongTextsKeepTheirLengths)
+{
+    for (const std::size_t length : {0U, 254U, 255U, 65533U, 65534U, 65536U}) {
+        ValueCacheStore store(folder.File(L"").c_str());
+        store.Set(L"r", store.ColumnNumber(L"A"), L"en", CString(length, L'x'));
+        store.Save({L"A"}, [](const CString&) { return true; });
+        ValueCacheStore again(folder.File(L"").c_str());
+        CString value;
+        EXPECT_EQ(again.Get(L"r", again.ColumnNumber(L"A"), L"en", value), 0);
+        EXPECT_EQ(value.size(), length);
+    }
+}
+
+TEST_F(CacheFile, ServesNoValueThatAnEditMadeWrong)
+{
+    builder.Row(L"own", {{L"W", L"3"}, {L"T", L"{X}"}});
+    {
+        const auto family = Open();
+        EXPECT_EQ(CellText(*family, L"own", L"T"), L"6");
+    }
+    CString edited;
+    {
+        const auto family = Open();
+        CEncapFamilyTable& table = *family->GetEncapFamilyTable();
+        table.SetValue(L"own", L"W", L"4", true);
+        family->SetRangeColumnValues({{L"W", L"9"}});
+        EXPECT_EQ(CellText(*family, L"own", L"T"), L"8")
+            << "a formula in a cell follows its column, loaded from the file or not";
+        family->GetFamilyXML().GetXml(edited);
+    }
+    const CEncapFamily family(edited.c_str(), {L"<S xml:lang='en'/>"}, folder.File(L"").c_str(),
+                              &provider, false);
+    CString value;
+    family.GetEncapFamilyTable()->GetValue(L"own", L"T", value);
+    EXPECT_EQ(value, L"8");
+}
+
+TEST_F(CacheFile, DamageCostsOnlyWhatIsBehindIt)
+{
+    Fill();
+    const std::string whole = Bytes();
+    const auto expectRightValues = [&] {
+        const auto family = Open();
+        EXPECT_EQ(CellText(*family, L"r", L"X"), L"6");
+        EXPECT_EQ(CellText(*family, L"s", L"X"), L"8");
+    };
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        Damage(whole.substr(0, length));
+        expectRightValues();
+    }
+    Damage(whole.substr(0, whole.size() - 1));
+    const auto family = Open();
+    EXPECT_EQ(CellText(*family, L"r", L"X"), L"6");
+    EXPECT_TRUE(provider.calls.empty()) << "the rows before the damage are used";
+}
+
+TEST_F(CacheFile, OtherVersionsAndAbsurdCountsAreSurvived)
+{
+    Fill();
+    const std::string whole = Bytes();
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        std::string damaged = whole;
+        damaged[at] = '\xFF';
+        Damage(damaged);
+        ValueCacheStore store(folder.File(L"").c_str());
+        EXPECT_FALSE(store.IsChanged()) << at;
+    }
+    std::string future = whole;
+    future[0] = 2;
+    Damage(future);
+    ValueCacheStore store(folder.File(L"").c_str());
+    EXPECT_EQ(store.RowCache(L"r", false), nullptr);
+}
