@@ -1,14 +1,13 @@
 #include "FreeProvider.h"
 #include "TableGenerator.h"
-
 #include "encap/encap.h"
 #include "encap/host/StandaloneEvaluatorProvider.h"
 
-#include <benchmark/benchmark.h>
-#include <libxml/parser.h>
-
 #include <memory>
 #include <string>
+
+#include <benchmark/benchmark.h>
+#include <libxml/parser.h>
 
 namespace {
 
@@ -62,9 +61,9 @@ void BM_ParseBareTree(benchmark::State& state)
 {
     const FamilyTexts texts(static_cast<int>(state.range(0)));
     for (auto _ : state) {
-        xmlDoc* document = xmlReadMemory(
-            texts.familyUtf8.data(), static_cast<int>(texts.familyUtf8.size()), nullptr, "UTF-8",
-            XML_PARSE_NOBLANKS | XML_PARSE_NONET | XML_PARSE_HUGE);
+        xmlDoc* document =
+            xmlReadMemory(texts.familyUtf8.data(), static_cast<int>(texts.familyUtf8.size()),
+                          nullptr, "UTF-8", XML_PARSE_NOBLANKS | XML_PARSE_NONET | XML_PARSE_HUGE);
         benchmark::DoNotOptimize(document);
         xmlFreeDoc(document);
     }

@@ -12,10 +12,11 @@
 namespace encap::cli {
 namespace {
 
-constexpr std::string_view kHelpHead = "Reads, evaluates and prints families of standard parts.\n"
-                                       "Usage: encap COMMAND [OPTIONS] FILE...\n"
-                                       "\n"
-                                       "Commands:\n";
+constexpr std::string_view kHelpHead =
+    "Reads, evaluates, edits and prints families of standard parts.\n"
+    "Usage: encap COMMAND [OPTIONS] FILE...\n"
+    "\n"
+    "Commands:\n";
 constexpr std::string_view kHelpFoot =
     "\n"
     "Options:\n"

@@ -21,13 +21,33 @@ CString TextOf(const XMLNode& node)
     return text;
 }
 
+/// But for the one that is in the label.
+CString AttributesOf(const XMLNode& element)
+{
+    const CString label = LabelOf(element);
+    CStringArray names;
+    element.GetProperties(names);
+    CString list;
+    bool isShown = false;
+    for (const CString& name : names) {
+        CString value;
+        element.GetProperty(name.c_str(), value);
+        if (!isShown && label.ends_with(L'[' + value + L']')) {
+            isShown = true;
+        } else {
+            list += L' ' + name + L'=' + Quoted(value);
+        }
+    }
+    return list;
+}
+
 /// What an element that came or went holds, in short.
 CString SummaryOf(const XMLNode& element)
 {
     const std::vector<XMLNode> children = ElementsOf(element);
     if (children.empty()) {
-        CString text = TextOf(element);
-        return text.empty() ? CString() : L' ' + Quoted(text);
+        const CString text = TextOf(element);
+        return AttributesOf(element) + (text.empty() ? CString() : L' ' + Quoted(text));
     }
     CString labels;
     for (const XMLNode& child : children) {

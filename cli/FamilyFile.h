@@ -44,9 +44,9 @@ public:
     [[nodiscard]] std::vector<CString> Languages() const;
 
     /// The family with the first language given (where there is one) as its current one; the
-    /// others follow in their order. Gives up the texts. The provider (may be null) must outlive the
-    /// family; an empty cache folder is none. Throws FileError when the document does not parse or
-    /// has no table.
+    /// others follow in their order. Gives up the texts. The provider (may be null) must outlive
+    /// the family; an empty cache folder is none. Throws FileError when the document does not
+    /// parse or has no table.
     [[nodiscard]] std::unique_ptr<CEncapFamily> Open(IEvaluatorProvider* provider,
                                                      const CString& firstLanguage,
                                                      const CString& cacheFolder,

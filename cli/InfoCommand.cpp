@@ -2,6 +2,7 @@
 
 #include "cli/ColumnFacts.h"
 #include "cli/JsonWriter.h"
+#include "cli/MappingReport.h"
 #include "cli/OpenFamily.h"
 #include "cli/Options.h"
 #include "cli/Results.h"
@@ -23,6 +24,7 @@ private:
     CString m_path;
     FamilyOptions m_family;
     int m_format = kText;
+    bool m_withMapping = false;
     CString m_output;
 };
 
@@ -240,7 +242,7 @@ void WriteCounts(JsonWriter& json, const CEncapFamilyTable& table)
     json.EndObject();
 }
 
-void PrintJson(const OpenFamily& opened, Results& results)
+void PrintJson(const OpenFamily& opened, bool withMapping, Results& results)
 {
     JsonWriter json(results.Text());
     json.BeginObject();
@@ -258,6 +260,11 @@ void PrintJson(const OpenFamily& opened, Results& results)
         json.EndObject();
     }
     json.EndArray();
+    if (withMapping) {
+        json.BreakLine(1);
+        json.Key(L"mapping");
+        WriteMapping(json, opened);
+    }
     json.EndObject();
     results.Text() += '\n';
 }
@@ -266,6 +273,8 @@ void InfoCommand::Declare(Options& options)
 {
     options.Argument(m_path, "FAMILY.xml", "The family document");
     options.Choice(m_format, "--format", {"text", "json"}, "What to print (default: text)");
+    options.Flag(m_withMapping, "--mapping",
+                 "Also what the columns drive and supply, the templates and the constants");
     m_family.Declare(options);
     options.Text(m_output, "-o,--output", "FILE", "Write to this file instead of standard output");
 }
@@ -276,11 +285,14 @@ ExitStatus InfoCommand::Run(Console& console)
     const OpenFamily family(m_path, m_family, host);
     Results results(console, m_output);
     if (m_format == kJson) {
-        PrintJson(family, results);
+        PrintJson(family, m_withMapping, results);
     } else {
         PrintFacts(family, results);
         results.Text() += '\n';
         PrintColumns(family, results);
+        if (m_withMapping) {
+            PrintMapping(family, results);
+        }
     }
     results.Finish();
     return ExitStatus::Done;

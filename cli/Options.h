@@ -11,8 +11,8 @@
 namespace encap::cli {
 
 /// The arguments of one command: which there are, what the help says about them, and the variables
-/// that they go to, which must outlive the object. Names are written as "--format" or "-o,--output".
-/// A later use of an option that takes one value replaces an earlier one.
+/// that they go to, which must outlive the object. Names are written as "--format" or
+/// "-o,--output". A later use of an option that takes one value replaces an earlier one.
 class Options {
 public:
     Options(const std::string& command, const std::string& summary);

@@ -21,7 +21,8 @@ public:
     void AddColumn(Alignment alignment, const std::vector<CString>& heading);
     /// The next cell, row by row. REQUIRES: there are columns.
     void AddCell(std::wstring_view text);
-    /// The cells' rows, below the headings and a rule when there are headings. REQUIRES: the last row is complete.
+    /// The cells' rows, below the headings and a rule when there are headings. REQUIRES: the last
+    /// row is complete.
     void Print(Results& results) const;
 
 private:

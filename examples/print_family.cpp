@@ -1,7 +1,7 @@
+#include <iostream>
+
 #include <encap/encap.h>
 #include <encap/host/StandaloneEvaluatorProvider.h>
-
-#include <iostream>
 
 int main(int argc, char** argv)
 {

@@ -59,7 +59,7 @@ public:
     /// object already.
     std::unique_ptr<CEncapFamilyColVexilData> GetColVexilData(const wchar_t* objectRefKey,
                                                               const wchar_t* subObjectId,
-                                                              ColPropertyObjectType type);
+                                                              ColPropertyObjectType type) const;
     /// Whether a column drives the first top-level parameter for this object (ASCII letters
     /// compare without regard to case).
     bool IsPropertyAlreadyUsed(const wchar_t* objectRefKey, const wchar_t* subObjectId) const;

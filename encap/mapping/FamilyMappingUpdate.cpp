@@ -104,7 +104,7 @@ void CEncapFamilyMapping::InitializeColumnData(CEncapFamilyColumn* column)
 
 std::unique_ptr<CEncapFamilyColVexilData>
 CEncapFamilyMapping::GetColVexilData(const wchar_t* objectRefKey, const wchar_t* subObjectId,
-                                     ColPropertyObjectType type)
+                                     ColPropertyObjectType type) const
 {
     const bool namesNothing =
         CString(TextOrEmpty(objectRefKey)).empty() && CString(TextOrEmpty(subObjectId)).empty();

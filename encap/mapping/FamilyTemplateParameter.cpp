@@ -6,6 +6,8 @@
 #include "encap/mapping/MapWalk.h"
 #include "encap/mapping/TemplateIndex.h"
 
+#include <algorithm>
+
 namespace vocabulary = encap::vocabulary;
 
 CEncapFamilyTemplateParameter::CEncapFamilyTemplateParameter() = default;
@@ -108,9 +110,9 @@ CEncapFamilyTemplateParameter* CEncapFamilyTemplateParameter::GetChild(int id) c
         if (found != level.end()) {
             return found->second.get();
         }
-        for (auto entry = level.rbegin(); entry != level.rend(); ++entry) {
-            pending.push_back(&entry->second->m_children);
-        }
+        std::for_each(level.rbegin(), level.rend(), [&pending](const auto& entry) {
+            pending.push_back(&entry.second->m_children);
+        });
     }
     return nullptr;
 }

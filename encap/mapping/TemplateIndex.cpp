@@ -3,6 +3,7 @@
 #include "encap/foundation/CaseFolding.h"
 #include "encap/mapping/ParameterKinds.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -120,11 +121,11 @@ void TemplateIndex::RefreshIds()
         for (const auto& [id, parameter] : level) {
             m_idsRepeat = !m_ids.try_emplace(id, parameter.get()).second || m_idsRepeat;
         }
-        for (auto entry = level.rbegin(); entry != level.rend(); ++entry) {
-            if (!entry->second->m_children.empty()) {
-                pending.push_back(&entry->second->m_children);
+        std::for_each(level.rbegin(), level.rend(), [&pending](const auto& entry) {
+            if (!entry.second->m_children.empty()) {
+                pending.push_back(&entry.second->m_children);
             }
-        }
+        });
     }
     m_idsFresh = true;
 }

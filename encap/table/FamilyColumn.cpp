@@ -207,7 +207,10 @@ bool CEncapFamilyColumn::IsHidden() const
 void CEncapFamilyColumn::SetIsHidden(const bool& hidden)
 {
     m_node.SetStrBoolProperty(vocabulary::kHidden, hidden);
-    m_state->hidden = hidden;
+    if (m_state->hidden != hidden) {
+        m_state->hidden = hidden;
+        DropValues(); // a column that is not hidden may have its texts in the strings documents
+    }
     DropLocalizedAnswer();
 }
 
@@ -326,7 +329,11 @@ bool CEncapFamilyColumn::IsRestrictedColumn() const
 
 bool CEncapFamilyColumn::IsLocalized() const
 {
-    return m_table != nullptr && TableAccess::IsLocalized(*m_table, *m_state);
+    if (m_table == nullptr) {
+        return false;
+    }
+    TableAccess::NoticeLocalization(*m_table);
+    return TableAccess::IsLocalized(*m_table, *m_state);
 }
 
 bool CEncapFamilyColumn::IsLegacyMapColumn() const

@@ -39,7 +39,8 @@ public:
     CEncapFamilyTable& operator=(const CEncapFamilyTable&) = delete;
     virtual ~CEncapFamilyTable();
 
-    // Counts and IDs, in table order.
+    // Counts and IDs, in table order. A list of IDs is brought up to date by the call that gives
+    // it: ask again after an edit.
     uint64_t GetRowsCount() const;
     uint64_t GetColumnsCount() const;
     const std::vector<CString>& GetAllRowIDs() const;

@@ -2,8 +2,10 @@
 
 #include "encap/foundation/StringMap.h"
 #include "encap/foundation/Types.h"
+#include "encap/table/IdList.h"
 
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -24,11 +26,16 @@ public:
         mutable std::size_t position = 0; ///< where it was when last looked for
     };
 
-    [[nodiscard]] std::size_t Count() const { return m_ids.size(); }
-    [[nodiscard]] const std::vector<CString>& Ids() const { return m_ids; }
+    [[nodiscard]] std::size_t Count() const { return m_entries.size(); }
+    /// The IDs in order, brought up to date by the call.
+    [[nodiscard]] const std::vector<CString>& Ids() const
+    {
+        return m_ids.Get(
+            [this](std::size_t index) -> const CString& { return m_entries[index]->id; });
+    }
     [[nodiscard]] bool HasIndex(int index) const
     {
-        return index >= 0 && static_cast<std::size_t>(index) < m_ids.size();
+        return index >= 0 && static_cast<std::size_t>(index) < m_entries.size();
     }
     /// REQUIRES: HasIndex(index).
     [[nodiscard]] const Entry& EntryAt(int index) const
@@ -83,18 +90,23 @@ public:
         auto entry = std::make_unique<Entry>(Entry{std::move(id), std::move(object), index});
         Entry* added = entry.get();
         CString listed = added->id;
-        const auto offset = static_cast<std::ptrdiff_t>(index);
         // Nothing is entered anywhere before everything has its memory.
-        MakeRoom(m_ids);
-        MakeRoom(m_entries);
-        Register(*added);
-        m_ids.insert(m_ids.begin() + offset, std::move(listed));
-        m_entries.insert(m_entries.begin() + offset, std::move(entry));
+        m_ids.MakeRoom();
+        const auto place =
+            m_entries.insert(m_entries.begin() + static_cast<std::ptrdiff_t>(index), nullptr);
+        try {
+            Register(*added);
+        } catch (...) {
+            m_entries.erase(place);
+            throw;
+        }
+        m_ids.Insert(index, std::move(listed));
+        *place = std::move(entry);
         return added->object.get();
     }
     T* Append(CString id, std::unique_ptr<T> object)
     {
-        return Insert(m_ids.size(), std::move(id), std::move(object));
+        return Insert(m_entries.size(), std::move(id), std::move(object));
     }
 
     /// Takes the object at an index out of the table. REQUIRES: HasIndex(index).
@@ -102,7 +114,7 @@ public:
     {
         const std::ptrdiff_t offset = index;
         std::unique_ptr<Entry> entry = std::move(m_entries[static_cast<std::size_t>(index)]);
-        m_ids.erase(m_ids.begin() + offset);
+        m_ids.Erase(static_cast<std::size_t>(index));
         m_entries.erase(m_entries.begin() + offset);
         Unregister(*entry);
         return entry;
@@ -111,8 +123,10 @@ public:
     /// Moves the object at one index to another, counted after its removal. REQUIRES: both valid.
     void Move(int from, int to)
     {
-        MoveItem(m_ids, from, to);
-        MoveItem(m_entries, from, to);
+        m_ids.NoteMove();
+        std::unique_ptr<Entry> entry = std::move(m_entries[static_cast<std::size_t>(from)]);
+        m_entries.erase(m_entries.begin() + from);
+        m_entries.insert(m_entries.begin() + to, std::move(entry));
     }
 
     void Clear()
@@ -120,7 +134,7 @@ public:
         m_lastFound = nullptr;
         m_shadowed = 0;
         m_byId.clear();
-        m_ids.clear();
+        m_ids.Clear();
         m_entries.clear();
     }
 
@@ -133,8 +147,9 @@ private:
     template <class Predicate>
     [[nodiscard]] int FirstIndex(Predicate matches) const
     {
-        const auto found = std::find_if(m_ids.begin(), m_ids.end(), matches);
-        return found == m_ids.end() ? -1 : static_cast<int>(found - m_ids.begin());
+        const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                        [&](const auto& entry) { return matches(entry->id); });
+        return found == m_entries.end() ? -1 : static_cast<int>(found - m_entries.begin());
     }
 
     // Looks outwards from where the entry was last: inserting and erasing near a place moves the
@@ -155,14 +170,6 @@ private:
             m_entries[position]->position = position;
         }
         return entry.position;
-    }
-
-    template <class Item>
-    static void MakeRoom(std::vector<Item>& items)
-    {
-        if (items.size() == items.capacity()) {
-            items.reserve(2 * items.size() + 8);
-        }
     }
 
     void Register(Entry& entry)
@@ -204,16 +211,8 @@ private:
         --m_shadowed;
     }
 
-    template <class Item>
-    static void MoveItem(std::vector<Item>& items, int from, int to)
-    {
-        Item item = std::move(items[static_cast<std::size_t>(from)]);
-        items.erase(items.begin() + from);
-        items.insert(items.begin() + to, std::move(item));
-    }
-
-    std::vector<CString> m_ids;
-    std::vector<std::unique_ptr<Entry>> m_entries; ///< in the order of m_ids
+    IdList m_ids;
+    std::deque<std::unique_ptr<Entry>> m_entries; ///< in order
     /// The keys are views of the entries' own IDs.
     ByIdMap m_byId;
     std::size_t m_shadowed = 0; ///< entries that another one of the same ID answers for

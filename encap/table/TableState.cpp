@@ -150,13 +150,16 @@ void TableAccess::NoticeLocalization(const CEncapFamilyTable& table)
     if (state.localizationVersion == version) {
         return;
     }
+    const bool isOpening = state.localizationVersion == 0;
     state.localizationVersion = version;
     const auto count = static_cast<int>(state.columns.Count());
     for (int index = 0; index < count; ++index) {
         CEncapFamilyColumn& column = *state.columns.At(index);
-        const bool wasAsked = Of(column).localizedVersion != 0;
+        // A column that was never asked may have values all the same, from the cache file.
+        const bool isFirst = Of(column).localizedVersion == 0;
         const bool before = Of(column).localized;
-        if (wasAsked && IsLocalized(table, Of(column)) != before) {
+        const bool differs = IsLocalized(table, Of(column)) != before;
+        if (isFirst ? !isOpening : differs) {
             column.InvalidateCache(CString(), CString());
         }
     }

@@ -172,8 +172,8 @@ struct TableAccess {
                          const ColumnState& column, CString& text);
     /// Removes that cell; false when there is none.
     static bool RemoveCell(const CEncapFamilyRow& row, std::string_view columnId);
-    /// Drops the values of columns whose texts have moved to or from the strings documents since the
-    /// last call.
+    /// Drops the values of columns whose texts have moved to or from the strings documents since
+    /// the last call.
     static void NoticeLocalization(const CEncapFamilyTable& table);
     /// Whether the column's texts come from the strings documents first.
     static bool IsLocalized(const CEncapFamilyTable& table, ColumnState& column);

@@ -262,6 +262,8 @@ CEncapFamilyColumn* CEncapFamilyTable::DuplicateColumn(int index, const wchar_t*
             SetValue(rowId.c_str(), id.c_str(), value.c_str(), false);
         }
     }
+    // The texts were cached as they stand: formulas among them are still to be evaluated.
+    DropColumnValues(id);
     return GetFamilyColumnByID(id.c_str());
 }
 

@@ -65,7 +65,8 @@ public:
     void Save(const std::vector<CString>& columnIds,
               const std::function<bool(const CString&)>& keepRow);
 
-    /// Removes the file where a newer one cannot be written: the older one would be served next time.
+    /// Removes the file where a newer one cannot be written: the older one would be served next
+    /// time.
     void Abandon();
 
     // For the row caches' own loading and saving.

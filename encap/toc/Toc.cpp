@@ -15,7 +15,7 @@ CToc::CToc(const CToc& other) = default;
 CToc& CToc::operator=(const CToc& other) = default;
 CToc::~CToc() = default;
 
-void CToc::SetToc(XMLParser toc)
+void CToc::SetToc(const XMLParser& toc)
 {
     m_document = toc.GetDocument();
     CreateFamiliesMap();

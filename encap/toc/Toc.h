@@ -22,7 +22,7 @@ public:
     virtual ~CToc();
 
     // The document.
-    void SetToc(XMLParser toc);
+    void SetToc(const XMLParser& toc);
     XMLParser GetToc() const;
     XMLDocumentHandle GetDocument() const;
 

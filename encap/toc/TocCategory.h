@@ -14,7 +14,7 @@ public:
     explicit CTocCategory(const XMLNode& node);
     CTocCategory(const CTocCategory& other);
     CTocCategory& operator=(const CTocCategory& other);
-    virtual ~CTocCategory();
+    ~CTocCategory() override;
 
     bool GetInternalName(CString& value) const;
     bool GetDisplayName(CString& value) const;

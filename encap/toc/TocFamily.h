@@ -12,7 +12,7 @@ public:
     explicit CTocFamily(const XMLNode& node);
     CTocFamily(const CTocFamily& other);
     CTocFamily& operator=(const CTocFamily& other);
-    virtual ~CTocFamily();
+    ~CTocFamily() override;
 
     bool GetInternalName(CString& value) const;
     bool GetDisplayName(CString& value) const;

@@ -3,9 +3,9 @@
 #include "tests/support/FakeProvider.h"
 #include "tests/support/FamilyBuilder.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include <gtest/gtest.h>
 
 using encap::test::CellText;
 using encap::test::FakeProvider;
@@ -230,8 +230,7 @@ TEST(CellEvaluation, StopsAtCyclesAndForgetsThem)
         EXPECT_EQ(CellText(*family, L"r", L"B"), L"#1");
         EXPECT_EQ(CellText(*family, L"s", L"A"), L"8") << "a cell of its own ends the cycle";
     }
-    EXPECT_EQ(encap::test::ColumnOf(*family, L"B").SetFormula(L"7mm"),
-              CTableEvaluator::EvaluateOK);
+    EXPECT_EQ(encap::test::ColumnOf(*family, L"B").SetFormula(L"7mm"), CTableEvaluator::EvaluateOK);
     EXPECT_EQ(CellText(*family, L"r", L"A"), L"14");
 }
 
@@ -266,8 +265,7 @@ TEST(CellEvaluation, WorksOnEveryColumnOnceInLayeredDiamonds)
             builder.Column({Chained(L"R", i), L"double", L"mm", text});
         }
         provider.expressions = {{L"1mm-1mm+1mm", {0, 1.0}}, {L"1*1", {0, 1.0}}};
-        const auto family =
-            builder.Row(L"r", {{L"L0", L"1"}, {L"R0", L"1"}}).Open(&provider);
+        const auto family = builder.Row(L"r", {{L"L0", L"1"}, {L"R0", L"1"}}).Open(&provider);
         const CString last = CellText(*family, L"r", Chained(L"L", kLayers));
         EXPECT_EQ(last, formula == CString(L"{L}*{R}") ? L"1#8" : L"1");
         EXPECT_LT(provider.CountOf(FakeProvider::Evaluate), 5U * kLayers);
@@ -284,7 +282,8 @@ TEST(CellEvaluation, EndsTextsThatGrowWithoutBound)
         builder.Column({Chained(L"S", i), L"string", L"", before + before});
     }
     const auto family = builder.Row(L"r").Open(&provider);
-    EXPECT_EQ(CellText(*family, L"r", L"S13").size(), 16U << 13U) << "long, handed out all the same";
+    EXPECT_EQ(CellText(*family, L"r", L"S13").size(), 16U << 13U)
+        << "long, handed out all the same";
     EXPECT_EQ(CellText(*family, L"r", L"S16").size(), 16U << 16U);
     EXPECT_EQ(CellText(*family, L"r", L"S17"), L"#3");
     EXPECT_EQ(CellText(*family, L"r", L"S30"), L"#3");

@@ -2,10 +2,10 @@
 #include "encap/host/StandaloneEvaluatorProvider.h"
 #include "tests/support/FamilyBuilder.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 #include <string>
+
+#include <gtest/gtest.h>
 
 using encap::test::CellText;
 using encap::test::ColumnOf;
@@ -50,8 +50,8 @@ TEST(Dependencies, AreBuiltFromTheFormulasAndAskedTransitively)
     CEncapFamilyColumn& a = ColumnOf(*family, L"A");
     CEncapFamilyColumn& b = ColumnOf(*family, L"B");
     CEncapFamilyColumn& c = ColumnOf(*family, L"C");
-    EXPECT_EQ(Edges(*family), (std::set<std::pair<CString, CString>>{
-                                  {L"A", L"B"}, {L"A", L"C"}, {L"B", L"C"}}));
+    EXPECT_EQ(Edges(*family),
+              (std::set<std::pair<CString, CString>>{{L"A", L"B"}, {L"A", L"C"}, {L"B", L"C"}}));
     std::set<CEncapFamilyColumn*> all;
     EXPECT_EQ(Ids(a.GetAllDependentColumns(all, nullptr)), (std::set<CString>{L"A", L"B", L"C"}));
     all.clear();

@@ -57,10 +57,9 @@ TEST_F(Expressions, EvaluatesFreeTexts)
     };
     for (const Case& one : cases) {
         CString value;
-        const auto result =
-            table.Evaluate(one.text, static_cast<DataTypes::ColumnFormulaType>(one.formulaType),
-                           static_cast<DataTypes::ColumnDataType>(one.dataType), L"r", one.units,
-                           value);
+        const auto result = table.Evaluate(
+            one.text, static_cast<DataTypes::ColumnFormulaType>(one.formulaType),
+            static_cast<DataTypes::ColumnDataType>(one.dataType), L"r", one.units, value);
         EXPECT_EQ(static_cast<int>(result), one.result) << CString(one.text);
         EXPECT_EQ(value, one.value) << CString(one.text);
     }
@@ -76,19 +75,32 @@ TEST_F(Expressions, ChecksSyntaxWithoutEvaluatingCells)
         int result;
     };
     const Case cases[] = {
-        {L"{W}*2", 101, 1, L"mm", 0},        {L"{W}*2", 102, 1, L"mm", 0},
-        {L"{N}+{W}", 101, 1, L"mm", 0},      {L"{W}", 101, 2, L"mm", 6},
-        {L"{SIZE}*2", 101, 1, L"mm", 6},     {L"1/0", 101, 1, L"ul", 0},
-        {L"1/({W}-{W})", 101, 1, L"ul", 0},  {L"2*", 101, 1, L"mm", 6},
-        {L"{NO}", 101, 0, L"", 5},           {L"{W", 101, 0, L"", 2},
-        {L"anything at all", 101, 0, L"", 0}, {L"{SIZE}&{W}", 101, 0, L"", 0},
-        {L"true", 101, 3, L"", 0},           {L"on", 101, 3, L"", 6},
-        {L"{FLAG}", 101, 3, L"", 0},         {L"{FLAG}{FLAG}", 101, 3, L"", 0},
-        {L"{SIZE}", 101, 3, L"", 6},         {L"1", 99, 1, L"", 5},
-        {L"[10;1;1;5]", 100, 1, L"mm", 4},   {L"[1;10;20;5]", 100, 1, L"mm", 4},
-        {L"[1;10;1;11]", 100, 1, L"mm", 4},  {L"[1;1;0;1]", 100, 1, L"mm", 0},
-        {L"[1;10;2;]", 100, 1, L"mm", 0},    {L"[1;{W}*2;1;1]", 100, 1, L"mm", 0},
-        {L"[1;{NO};1;1]", 100, 1, L"mm", 5}, {L"[1;9;;]", 100, 0, L"", 6},
+        {L"{W}*2", 101, 1, L"mm", 0},
+        {L"{W}*2", 102, 1, L"mm", 0},
+        {L"{N}+{W}", 101, 1, L"mm", 0},
+        {L"{W}", 101, 2, L"mm", 6},
+        {L"{SIZE}*2", 101, 1, L"mm", 6},
+        {L"1/0", 101, 1, L"ul", 0},
+        {L"1/({W}-{W})", 101, 1, L"ul", 0},
+        {L"2*", 101, 1, L"mm", 6},
+        {L"{NO}", 101, 0, L"", 5},
+        {L"{W", 101, 0, L"", 2},
+        {L"anything at all", 101, 0, L"", 0},
+        {L"{SIZE}&{W}", 101, 0, L"", 0},
+        {L"true", 101, 3, L"", 0},
+        {L"on", 101, 3, L"", 6},
+        {L"{FLAG}", 101, 3, L"", 0},
+        {L"{FLAG}{FLAG}", 101, 3, L"", 0},
+        {L"{SIZE}", 101, 3, L"", 6},
+        {L"1", 99, 1, L"", 5},
+        {L"[10;1;1;5]", 100, 1, L"mm", 4},
+        {L"[1;10;20;5]", 100, 1, L"mm", 4},
+        {L"[1;10;1;11]", 100, 1, L"mm", 4},
+        {L"[1;1;0;1]", 100, 1, L"mm", 0},
+        {L"[1;10;2;]", 100, 1, L"mm", 0},
+        {L"[1;{W}*2;1;1]", 100, 1, L"mm", 0},
+        {L"[1;{NO};1;1]", 100, 1, L"mm", 5},
+        {L"[1;9;;]", 100, 0, L"", 6},
         {L"1;9;;", 100, 1, L"mm", 4},
     };
     for (const Case& one : cases) {

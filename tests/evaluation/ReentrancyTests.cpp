@@ -69,9 +69,8 @@ TEST_F(HostEdits, AValueComputedAcrossAnEditIsNotKept)
 TEST_F(HostEdits, DeletingWhatIsBeingEvaluatedIsSafe)
 {
     Open();
-    const CString columnGone = ReadWith([](CEncapFamilyTable& table) {
-        table.DeleteColumn(table.GetFamilyColumnIndexByID(L"X"));
-    });
+    const CString columnGone = ReadWith(
+        [](CEncapFamilyTable& table) { table.DeleteColumn(table.GetFamilyColumnIndexByID(L"X")); });
     EXPECT_EQ(columnGone, L"#7");
     EXPECT_EQ(CellText(*family, L"r", L"Y"), L"#3") << "its reference names nothing now";
     Open();

@@ -1,4 +1,5 @@
 #include "encap/foundation/CaseFolding.h"
+
 #include "encap/foundation/FoldedCharacters.h"
 #include "encap/foundation/StringMap.h"
 

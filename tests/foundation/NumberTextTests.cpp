@@ -1,4 +1,5 @@
 #include "encap/foundation/NumberText.h"
+
 #include "encap/foundation/StringUtil.h"
 
 #include <algorithm>

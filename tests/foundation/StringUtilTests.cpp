@@ -1,4 +1,5 @@
 #include "encap/foundation/StringUtil.h"
+
 #include "encap/platform/Locale.h"
 
 #include <cmath>

@@ -34,7 +34,8 @@ std::string NumberText(Random& random)
 {
     std::string text = Digits(random, Below(random, 8) == 0 ? 25 : 6);
     if (Below(random, 2) == 0) {
-        text += "." + Digits(random, Below(random, 8) == 0 ? 25 : 4);
+        text += '.';
+        text += Digits(random, Below(random, 8) == 0 ? 25 : 4);
     }
     if (Below(random, 6) == 0) {
         text += Below(random, 2) == 0 ? "e-" : "E";
@@ -59,7 +60,7 @@ struct Generated {
 
 std::string Enclosed(const Generated& part, int least)
 {
-    return part.precedence < least ? "(" + part.text + ")" : part.text;
+    return part.precedence < least ? std::string("(").append(part.text).append(")") : part.text;
 }
 
 double FiniteOrNaN(double value)
@@ -76,10 +77,10 @@ Generated Generate(Random& random, int depth)
     }
     const Generated left = Generate(random, depth - 1);
     if (kind == 4) {
-        return {"-" + Enclosed(left, 3), -left.value, 3};
+        return {std::string("-").append(Enclosed(left, 3)), -left.value, 3};
     }
     if (kind == 5) {
-        return {"(" + left.text + ")", left.value, 4};
+        return {std::string("(").append(left.text).append(")"), left.value, 4};
     }
     const Generated right = Generate(random, depth - 1);
     const int precedence = kind < 2 ? 1 : 2;

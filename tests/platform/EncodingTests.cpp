@@ -1,5 +1,6 @@
-#include "encap/foundation/CodePoints.h"
 #include "encap/platform/Encoding.h"
+
+#include "encap/foundation/CodePoints.h"
 
 #include <random>
 
@@ -52,9 +53,8 @@ TEST(Encoding, KnownBytes)
 TEST(Encoding, LoneSurrogatesBecomeReplacementsInUtf8AndPassThroughUtf16)
 {
     const CString alone = Wide({0xD800, 'a', 0xDC00, 0xD800, 0xD800});
-    EXPECT_EQ(WideToUtf8(alone),
-              "\xEF\xBF\xBD"
-              "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(WideToUtf8(alone), "\xEF\xBF\xBD"
+                                 "a\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(Utf16ToWide(WideToUtf16(alone)), alone);
     EXPECT_EQ(WideToUtf8(Wide({0xD83D, 0xDE00})), "\xF0\x9F\x98\x80");
     if constexpr (sizeof(wchar_t) == 4) {

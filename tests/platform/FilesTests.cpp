@@ -1,4 +1,5 @@
 #include "encap/platform/Files.h"
+
 #include "tests/platform/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

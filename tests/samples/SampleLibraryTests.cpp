@@ -5,14 +5,14 @@
 #include "encap/table/FamilyTable.h"
 #include "encap/xml/XMLParser.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
 #include <sstream>
+
+#include <gtest/gtest.h>
 
 using encap::platform::Utf8ToWide;
 
@@ -46,8 +46,8 @@ struct SampleFamily {
                 strings.push_back(FileText(file));
             }
         }
-        family = std::make_unique<CEncapFamily>(FileText(path).c_str(), strings, L"", &provider,
-                                                false);
+        family =
+            std::make_unique<CEncapFamily>(FileText(path).c_str(), strings, L"", &provider, false);
     }
 
     CStandaloneEvaluatorProvider provider;

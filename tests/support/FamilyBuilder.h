@@ -3,12 +3,12 @@
 #include "encap/family/Family.h"
 #include "encap/table/FamilyTable.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace encap::test {
 
@@ -55,9 +55,10 @@ public:
     /// Makes a column supply a category parameter.
     FamilyBuilder& Supplies(const CString& column, const CString& categoryParameter)
     {
-        m_maps += L"<ParamToColumn TableColumn=\"" + column + L"\"><CategoryParameterRef "
-                  L"Category=\"c\" CategoryParameter=\"" + categoryParameter +
-                  L"\"/></ParamToColumn>";
+        m_maps += L"<ParamToColumn TableColumn=\"" + column +
+                  L"\"><CategoryParameterRef "
+                  L"Category=\"c\" CategoryParameter=\"" +
+                  categoryParameter + L"\"/></ParamToColumn>";
         return *this;
     }
 
@@ -66,12 +67,13 @@ public:
         return L"<Family" + m_attributes + L">" + m_beside +
                L"<ParameterMap><MemberParametersMap><ParamsToColumn>" + m_maps +
                L"</ParamsToColumn></MemberParametersMap></ParameterMap>"
-               L"<FamilyTable><Columns>" + m_columns + L"</Columns><Rows>" + m_rows +
-               L"</Rows></FamilyTable></Family>";
+               L"<FamilyTable><Columns>" +
+               m_columns + L"</Columns><Rows>" + m_rows + L"</Rows></FamilyTable></Family>";
     }
-    [[nodiscard]] std::unique_ptr<CEncapFamily>
-    Open(IEvaluatorProvider* provider, const std::vector<CString>& strings = {},
-         bool localizeDecimals = false, const CString& cacheDirectory = L"") const
+    [[nodiscard]] std::unique_ptr<CEncapFamily> Open(IEvaluatorProvider* provider,
+                                                     const std::vector<CString>& strings = {},
+                                                     bool localizeDecimals = false,
+                                                     const CString& cacheDirectory = L"") const
     {
         return std::make_unique<CEncapFamily>(Xml().c_str(), strings, cacheDirectory.c_str(),
                                               provider, localizeDecimals);
@@ -104,8 +106,7 @@ private:
 inline CString CellText(CEncapFamily& family, const CString& row, const CString& column)
 {
     CString value;
-    const auto result =
-        family.GetEncapFamilyTable()->GetValue(row.c_str(), column.c_str(), value);
+    const auto result = family.GetEncapFamilyTable()->GetValue(row.c_str(), column.c_str(), value);
     if (result == CTableEvaluator::EvaluateOK) {
         return value;
     }
@@ -115,8 +116,7 @@ inline CString CellText(CEncapFamily& family, const CString& row, const CString&
 
 inline CEncapFamilyColumn& ColumnOf(CEncapFamily& family, const CString& column)
 {
-    CEncapFamilyColumn* found =
-        family.GetEncapFamilyTable()->GetFamilyColumnByID(column.c_str());
+    CEncapFamilyColumn* found = family.GetEncapFamilyTable()->GetFamilyColumnByID(column.c_str());
     EXPECT_NE(found, nullptr);
     return *found;
 }

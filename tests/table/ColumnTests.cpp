@@ -4,9 +4,9 @@
 #include "tests/support/FakeProvider.h"
 #include "tests/support/FamilyBuilder.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
+
+#include <gtest/gtest.h>
 
 using encap::test::CellText;
 using encap::test::ColumnOf;
@@ -23,7 +23,8 @@ TEST(Columns, GivingAFormulaDiscardsTheCellsOfAColumnThatHadNone)
     CEncapFamilyTable& table = *family->GetEncapFamilyTable();
     EXPECT_EQ(CellText(*family, L"a", L"V"), L"9") << "an override";
     EXPECT_TRUE(table.isCellOverride(L"A", L"v"));
-    EXPECT_EQ(ColumnOf(*family, L"V").SetFormula(L"{D}*2,5"), CTableEvaluator::EvaluateTypeMismatch);
+    EXPECT_EQ(ColumnOf(*family, L"V").SetFormula(L"{D}*2,5"),
+              CTableEvaluator::EvaluateTypeMismatch);
     EXPECT_EQ(ColumnOf(*family, L"V").SetFormula(L"{D}*2.5"), CTableEvaluator::EvaluateOK);
     EXPECT_EQ(CellText(*family, L"a", L"V"), L"9") << "it had a formula: overrides stay";
     EXPECT_EQ(ColumnOf(*family, L"D").SetFormula(L"4mm"), CTableEvaluator::EvaluateOK);
@@ -93,16 +94,15 @@ TEST(Columns, AStoredFormulaTextIsServedUntilItIsCleared)
 TEST(Columns, UniqueValuesAndRawValues)
 {
     CStandaloneEvaluatorProvider provider;
-    const auto family =
-        FamilyBuilder()
-            .Supplies(L"FILE", L"8b46a4cc-9585-4fed-90c3-899f57e09a73")
-            .Column({L"FILE", L"string"})
-            .Column({L"N", L"string", L"", L"x"})
-            .Column({L"BAD", L"boolean", L"", L"on"})
-            .Row(L"a", {{L"FILE", L"Bolt"}, {L"N", L"1"}})
-            .Row(L"b", {{L"FILE", L"BOLT"}, {L"N", L"2"}})
-            .Row(L"c", {{L"FILE", L"Nut"}, {L"N", L"2"}})
-            .Open(&provider);
+    const auto family = FamilyBuilder()
+                            .Supplies(L"FILE", L"8b46a4cc-9585-4fed-90c3-899f57e09a73")
+                            .Column({L"FILE", L"string"})
+                            .Column({L"N", L"string", L"", L"x"})
+                            .Column({L"BAD", L"boolean", L"", L"on"})
+                            .Row(L"a", {{L"FILE", L"Bolt"}, {L"N", L"1"}})
+                            .Row(L"b", {{L"FILE", L"BOLT"}, {L"N", L"2"}})
+                            .Row(L"c", {{L"FILE", L"Nut"}, {L"N", L"2"}})
+                            .Open(&provider);
     CTableEvaluator::EvaluateResult result{};
     CEncapFamilyTable& table = *family->GetEncapFamilyTable();
     EXPECT_TRUE(ColumnOf(*family, L"FILE").IsRestrictedColumn());

@@ -2,9 +2,9 @@
 #include "encap/table/FamilyTable.h"
 #include "tests/support/FamilyBuilder.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
+
+#include <gtest/gtest.h>
 
 using encap::test::CellText;
 using encap::test::ColumnOf;

@@ -36,8 +36,9 @@ TEST(TableExport, EvaluatesEveryCellOfACopy)
     CComBSTR second;
     rows[0].GetXml(first);
     rows[1].GetXml(second);
-    EXPECT_EQ(CString(first), L"<Row RowId=\"a\"><Cell ColumnId=\"V\">2</Cell><Cell ColumnId=\"D\">1"
-                              L"</Cell><Cell ColumnId=\"X\">unknown</Cell></Row>");
+    EXPECT_EQ(CString(first),
+              L"<Row RowId=\"a\"><Cell ColumnId=\"V\">2</Cell><Cell ColumnId=\"D\">1"
+              L"</Cell><Cell ColumnId=\"X\">unknown</Cell></Row>");
     EXPECT_EQ(CString(second), L"<Row RowId=\"b\"><Cell ColumnId=\"BAD\">kept{</Cell>"
                                L"<Cell ColumnId=\"D\"/></Row>");
     CString after;
@@ -51,17 +52,16 @@ TEST(TableExport, EvaluatesEveryCellOfACopy)
 TEST(TableChecks, ValuesFitTheirColumnsTypeAndRange)
 {
     CStandaloneEvaluatorProvider provider;
-    const auto family =
-        FamilyBuilder()
-            .Column({L"L", L"double", L"mm", L"[10;20;2.5;10]", L"Custom='true'"})
-            .Column({L"UP", L"double", L"mm", L"[{LOW};;;]", L"Custom='true'"})
-            .Column({L"LOW", L"double", L"mm"})
-            .Column({L"N", L"integer"})
-            .Column({L"B", L"boolean"})
-            .Column({L"S", L"string"})
-            .Row(L"a", {{L"LOW", L"3"}, {L"L", L"17.5"}})
-            .Row(L"b", {{L"LOW", L"7"}, {L"L", L"18"}})
-            .Open(&provider);
+    const auto family = FamilyBuilder()
+                            .Column({L"L", L"double", L"mm", L"[10;20;2.5;10]", L"Custom='true'"})
+                            .Column({L"UP", L"double", L"mm", L"[{LOW};;;]", L"Custom='true'"})
+                            .Column({L"LOW", L"double", L"mm"})
+                            .Column({L"N", L"integer"})
+                            .Column({L"B", L"boolean"})
+                            .Column({L"S", L"string"})
+                            .Row(L"a", {{L"LOW", L"3"}, {L"L", L"17.5"}})
+                            .Row(L"b", {{L"LOW", L"7"}, {L"L", L"18"}})
+                            .Open(&provider);
     CEncapFamilyTable& table = *family->GetEncapFamilyTable();
     struct Case {
         const wchar_t* row;
@@ -127,9 +127,10 @@ TEST(TableChecks, FileNamesOfCustomPartsUseEveryCustomColumn)
             .Column({L"VIA", L"string", L"", L"{C1}"})
             .Column({L"FILE", L"string", L"", one.fileName});
         const auto family =
-            builder.Row(L"a", *one.override != L'\0'
-                                  ? std::vector<std::pair<CString, CString>>{{L"FILE", one.override}}
-                                  : std::vector<std::pair<CString, CString>>{})
+            builder
+                .Row(L"a", *one.override != L'\0'
+                               ? std::vector<std::pair<CString, CString>>{{L"FILE", one.override}}
+                               : std::vector<std::pair<CString, CString>>{})
                 .Open(&provider);
         std::vector<CString> titles{L"left over"};
         EXPECT_EQ(family->GetEncapFamilyTable()->FileNameOfCustomPartIsUnique(titles), one.isUnique)

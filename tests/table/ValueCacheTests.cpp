@@ -6,10 +6,10 @@
 #include "tests/support/FakeProvider.h"
 #include "tests/support/FamilyBuilder.h"
 
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <string>
+
+#include <gtest/gtest.h>
 
 using encap::ValueCacheStore;
 using encap::test::CellText;
@@ -43,7 +43,8 @@ TEST(ValueCacheStore, RowCachesFollowTheInterface)
     ValueCacheStore store(L"");
     CValueCacheSimple simple(store);
     CValueCacheLoc localized(store);
-    for (CValueCache* cache : {static_cast<CValueCache*>(&simple), static_cast<CValueCache*>(&localized)}) {
+    for (CValueCache* cache :
+         {static_cast<CValueCache*>(&simple), static_cast<CValueCache*>(&localized)}) {
         CString value;
         cache->Set(L"A", L"en", L"1");
         cache->Set(L"B", L"en", L"2");
@@ -117,7 +118,8 @@ TEST_F(CacheFile, IsReadAtTheNextOpening)
     {
         const auto family = Open();
         EXPECT_EQ(CellText(*family, L"r", L"X"), L"6");
-        EXPECT_EQ(CellText(*family, L"s", L"T"), L"caf\x00E9 \x4E2D" L"4");
+        EXPECT_EQ(CellText(*family, L"s", L"T"), L"caf\x00E9 \x4E2D"
+                                                 L"4");
         EXPECT_TRUE(provider.calls.empty());
         encap::platform::DeleteFileIfPresent(path);
     }
