@@ -275,8 +275,8 @@ CellEvaluator::Result CellEvaluator::AddLiteral(Frame& frame, const CString& tex
         frame.expression += localized;
         frame.fallback += localized;
     } else if (frame.column->IsMaterial()) {
-        const CString key = text; // the text may stand in a buffer that a nested read uses
-        frame.expression += m_host.MaterialName(key.c_str());
+        frame.number = text; // the text may stand in a buffer that a nested read uses
+        frame.expression += m_host.MaterialName(frame.number.c_str());
     } else {
         frame.expression += text;
         frame.fallback += text;
