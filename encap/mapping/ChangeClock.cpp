@@ -1,5 +1,6 @@
 #include "encap/mapping/ChangeClock.h"
 
+#include "encap/family/Vocabulary.h"
 #include "encap/xml/NodeAccess.h"
 
 namespace encap {
@@ -13,20 +14,26 @@ ChangeClock::OwnEdit::OwnEdit(ChangeClock& clock) : m_clock(clock)
 
 ChangeClock::OwnEdit::~OwnEdit()
 {
-    m_clock.m_seen = ChangeCount(m_clock.m_node);
+    m_clock.m_seen = m_clock.Count();
     --m_clock.m_ownEdits;
 }
 
 void ChangeClock::Watch(const XMLNode& node)
 {
     m_node = node;
-    m_seen = ChangeCount(node);
+    m_table = Wrap(FirstChildElement(ParentElement(Raw(node)), vocabulary::kFamilyTable.utf8));
+    m_seen = Count();
     ++m_reading;
+}
+
+uint64_t ChangeClock::Count() const
+{
+    return m_table.IsNode() ? ChangeCountOutside(m_table) : ChangeCount(m_node);
 }
 
 uint64_t ChangeClock::Reading()
 {
-    const uint64_t count = ChangeCount(m_node);
+    const uint64_t count = Count();
     if (m_ownEdits == 0 && count != m_seen) {
         m_seen = count;
         ++m_reading;

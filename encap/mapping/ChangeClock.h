@@ -24,7 +24,8 @@ public:
     };
 
     ChangeClock() = default;
-    /// node: any node of the document; an empty one counts nothing.
+    /// node: a child of the document element; an empty one counts nothing. Edits of the table
+    /// beside it do not count: they are many, and no index of a mapping looks there.
     explicit ChangeClock(const XMLNode& node) { Watch(node); }
 
     void Watch(const XMLNode& node);
@@ -33,7 +34,10 @@ public:
     [[nodiscard]] uint64_t Reading();
 
 private:
+    [[nodiscard]] uint64_t Count() const;
+
     XMLNode m_node;
+    XMLNode m_table;
     uint64_t m_seen = 0;
     uint64_t m_reading = 1;
     int m_ownEdits = 0;

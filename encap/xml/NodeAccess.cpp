@@ -174,6 +174,15 @@ uint64_t ChangeCount(const XMLNode& node)
     return node.IsNode() ? Tree::Of(NodeOf(node)).Changes() : 0;
 }
 
+uint64_t ChangeCountOutside(const XMLNode& section)
+{
+    if (!section.IsNode()) {
+        return 0;
+    }
+    const Tree& tree = Tree::Of(NodeOf(section));
+    return tree.Changes() - tree.ChangesIn(NodeOf(section));
+}
+
 uint64_t ChangeCount(const XMLParser& parser)
 {
     const XMLDocumentHandle document = parser.GetDocument();

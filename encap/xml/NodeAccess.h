@@ -59,5 +59,8 @@ bool InsertBefore(const XMLNode& sibling, XMLNode& node);
 /// document is stale when the count differs.
 [[nodiscard]] uint64_t ChangeCount(const XMLNode& node);
 [[nodiscard]] uint64_t ChangeCount(const XMLParser& parser);
+/// As ChangeCount, but without most edits inside this child of the document element: for an index
+/// over other parts of the document.
+[[nodiscard]] uint64_t ChangeCountOutside(const XMLNode& section);
 
 } // namespace encap

@@ -133,7 +133,7 @@ bool SetDeclaration(xmlNode* element, std::string_view name, std::string_view va
     }
     *link = MakeDeclaration(prefix.empty() ? nullptr : tree.Intern(prefix),
                             BAD_CAST std::string(value).c_str());
-    tree.NoteChange();
+    tree.NoteChange(element);
     return true;
 }
 
@@ -284,7 +284,7 @@ bool SetAttribute(xmlNode* element, std::string_view name, std::string_view valu
     Tree& tree = Tree::Of(element);
     if (xmlAttr* attribute = FindAttribute(element, name)) {
         AssignValue(attribute, value);
-        tree.NoteChange();
+        tree.NoteChange(element);
         return true;
     }
     xmlNs* space = nullptr;
@@ -292,7 +292,7 @@ bool SetAttribute(xmlNode* element, std::string_view name, std::string_view valu
         return false;
     }
     LinkAttribute(element, MakeAttribute(element->doc, tree.Intern(LocalName(name)), space, value));
-    tree.NoteChange();
+    tree.NoteChange(element);
     return true;
 }
 
@@ -317,7 +317,7 @@ void SetElementText(xmlNode* element, std::string_view text)
     if (!text.empty() && only != nullptr && only->type == XML_TEXT_NODE &&
         only->_private == nullptr) {
         AssignContent(only, text);
-        tree.NoteChange();
+        tree.NoteChange(element);
         return;
     }
     tree.RemoveChildren(element);

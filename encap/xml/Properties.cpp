@@ -54,7 +54,7 @@ bool RemoveDeclaration(xmlNode* element, const xmlNs* declared)
     xmlNs* removed = *link;
     *link = removed->next;
     xmlFreeNs(removed);
-    Tree::Of(element).NoteChange();
+    Tree::Of(element).NoteChange(element);
     return true;
 }
 

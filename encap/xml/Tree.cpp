@@ -170,6 +170,30 @@ xmlNs* Tree::Namespace(const xmlChar* prefix, const xmlChar* href)
     return known;
 }
 
+uint64_t Tree::ChangesIn(const xmlNode* section) const
+{
+    const auto found = m_sectionChanges.find(section);
+    return found != m_sectionChanges.end() ? found->second : 0;
+}
+
+// The climb is bounded, so that an edit costs the same at any depth.
+void Tree::NoteChange(const xmlNode* where)
+{
+    constexpr int kSectionDepth = 16;
+    ++m_changes;
+    const xmlNode* root = RootElement();
+    for (int depth = 0; where != nullptr && where->parent != root; ++depth) {
+        where = depth < kSectionDepth ? where->parent : nullptr;
+    }
+    if (where == nullptr || root == nullptr) {
+        return;
+    }
+    if (m_lastSection.first != where) {
+        m_lastSection = {where, &m_sectionChanges[where]};
+    }
+    ++*m_lastSection.second;
+}
+
 void Tree::AdoptOrphan(xmlNode* root)
 {
     m_orphans.emplace(root, 0);
@@ -178,7 +202,7 @@ void Tree::AdoptOrphan(xmlNode* root)
 void Tree::Insert(xmlNode* node, xmlNode* parent, xmlNode* before)
 {
     Link(node, parent, before);
-    NoteChange();
+    NoteChange(parent);
 }
 
 void Tree::Move(xmlNode* node, xmlNode* parent, xmlNode* before)
@@ -186,9 +210,10 @@ void Tree::Move(xmlNode* node, xmlNode* parent, xmlNode* before)
     xmlNode* from = OrphanOf(node);
     xmlNode* to = OrphanOf(parent);
     const std::size_t wrappers = from != to ? CountWrappers(node) : 0;
+    NoteChange(node->parent);
     xmlUnlinkNode(node);
     Link(node, parent, before);
-    NoteChange();
+    NoteChange(parent);
     if (from == to) {
         return;
     }
@@ -209,8 +234,8 @@ void Tree::Remove(xmlNode* node)
     if (wrappers != 0) {
         m_orphans.emplace(node, wrappers);
     }
+    NoteChange(node->parent);
     xmlUnlinkNode(node);
-    NoteChange();
     if (wrappers == 0) {
         xmlFreeNode(node);
     } else if (from != nullptr) {

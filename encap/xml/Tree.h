@@ -98,7 +98,10 @@ public:
     /// The subtrees that live on only for their wrappers.
     [[nodiscard]] std::size_t OrphanCount() const { return m_orphans.size(); }
     [[nodiscard]] uint64_t Changes() const { return m_changes; }
-    void NoteChange() { ++m_changes; }
+    /// Edits in the subtree of this child of the document element, those very deep in it left out.
+    [[nodiscard]] uint64_t ChangesIn(const xmlNode* section) const;
+    /// where: the parent, element or attribute that changes; null: no node.
+    void NoteChange(const xmlNode* where);
     void ContinueChanges(uint64_t count) { m_changes += count; }
     /// The dictionary's pointer for a name; Known gives null for a name that no node can have.
     [[nodiscard]] const xmlChar* Intern(std::string_view name);
@@ -134,6 +137,8 @@ private:
     xmlDoc* m_document;
     std::size_t m_references = 0;
     uint64_t m_changes = 1;
+    std::unordered_map<const xmlNode*, uint64_t> m_sectionChanges;
+    std::pair<const xmlNode*, uint64_t*> m_lastSection{}; ///< of m_sectionChanges
     std::unordered_map<xmlNode*, std::size_t> m_orphans;
     std::unordered_map<std::pair<const xmlChar*, const xmlChar*>, xmlNs*, NamespaceHash>
         m_namespaces;

@@ -179,7 +179,7 @@ bool XMLNode::SetNodeValue(const CString& value)
     } else {
         return false;
     }
-    encap::Tree::Of(node).NoteChange();
+    encap::Tree::Of(node).NoteChange(node);
     return true;
 }
 

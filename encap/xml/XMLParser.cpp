@@ -83,7 +83,7 @@ bool XMLParser::CreateXmlDocument(const wchar_t* encoding)
     m_document.Get()->declaration = encap::XmlDeclaration();
     m_document.Get()->declaration.isPresent = true;
     m_document.Get()->declaration.encoding = name;
-    m_document.Get()->tree->NoteChange();
+    m_document.Get()->tree->NoteChange(nullptr);
     return true;
 }
 
