@@ -44,7 +44,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetFormula(const wchar_t* fo
 CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetFormula(const wchar_t* formula,
                                                                const wchar_t* language)
 {
-    if (!IsLive()) {
+    if (m_table == nullptr || !IsLive()) {
         return CTableEvaluator::EvaluateColumnNotFound;
     }
     const EvaluationScope scope(*m_table);
@@ -60,7 +60,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetFormula(const wchar_t* fo
         return refused;
     }
     if (m_state->dataType == DataTypes::ColumnDataTypeReal) {
-        text = CStringUtil::ReplaceDecimalPointOfColumnExpression(text.c_str(), true);
+        text = CStringUtil::ReplaceDecimalPointOfColumnExpression(text, true);
     }
     const bool hadFormula = IsExpressionColumn();
     StoreFormula(text);
@@ -78,7 +78,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetFormula(const wchar_t* fo
 
 CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetEmptyFormula()
 {
-    if (!IsLive()) {
+    if (m_table == nullptr || !IsLive()) {
         return CTableEvaluator::EvaluateOK;
     }
     const EvaluationScope scope(*m_table);
@@ -109,7 +109,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::ValidateFormulaBeforeSet(con
 CTableEvaluator::EvaluateResult CEncapFamilyColumn::ValidateNormalFormula(const wchar_t* formula,
                                                                           const CString&)
 {
-    if (!IsLive()) {
+    if (m_table == nullptr || !IsLive()) {
         return CTableEvaluator::EvaluateColumnNotFound;
     }
     const EvaluationScope scope(*m_table);

@@ -58,7 +58,7 @@ void ReadAttributes(const XMLNode& node, ColumnState& state)
     state.keyWeight = weight;
     node.GetProperty(vocabulary::kUnitType, state.unit);
     node.GetProperty(vocabulary::kValueType, type);
-    state.dataType = DataTypes::DataTypeStr2Num(type.c_str());
+    state.dataType = DataTypes::DataTypeStr2Num(type);
     state.idUtf8 = encap::platform::WideToUtf8(state.id);
 }
 

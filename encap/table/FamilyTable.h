@@ -91,7 +91,7 @@ public:
 
     // Evaluation and checks of texts.
     /// Evaluates one cell into the value cache; codes 0 to 8, 7 when there is no such column.
-    EvaluateResult Evaluate(CString rowId, CString columnId, CString language);
+    EvaluateResult Evaluate(const CString& rowId, const CString& columnId, const CString& language);
     /// Evaluates a free text in the context of a row; caches nothing; result is set with 0 only.
     EvaluateResult Evaluate(const wchar_t* formula, DataTypes::ColumnFormulaType formulaType,
                             DataTypes::ColumnDataType dataType, const wchar_t* rowId,

@@ -75,8 +75,8 @@ long CEncapFamilyTable::GetLocalizedFormula(const wchar_t* columnId, const wchar
                : 1;
 }
 
-CTableEvaluator::EvaluateResult CEncapFamilyTable::Evaluate(CString rowId, CString columnId,
-                                                            CString language)
+CTableEvaluator::EvaluateResult
+CEncapFamilyTable::Evaluate(const CString& rowId, const CString& columnId, const CString& language)
 {
     CEncapFamilyColumn* column = m_state->columns.Find(columnId);
     if (column == nullptr || !column->IsLive()) {
