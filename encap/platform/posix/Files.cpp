@@ -125,7 +125,7 @@ bool FollowLinks(std::string& path)
             return false;
         }
         target.resize(static_cast<std::size_t>(length));
-        path = target.front() == '/' ? target : DirectoryPart(path) + target;
+        path = target.front() == '/' ? target : DirectoryPart(path).append(target);
     }
     return false;
 }

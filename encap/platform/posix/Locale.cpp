@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include <langinfo.h>
-#include <locale.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale is in POSIX's
 
 namespace encap::platform {
 namespace {
