@@ -17,20 +17,23 @@ struct FormulaColumn {
     std::string_view type;
     std::string_view unit;
     std::string_view formula;
+    /// The same for a spreadsheet whose columns are A to X; "#" stands for the row's number.
+    std::string_view sheet;
 };
 
 // Two chains of four, and two texts.
 constexpr std::array<FormulaColumn, kFormulaColumnCount> kFormulas{{
-    {"F1", "double", "mm", "{C01}*2+{C02}"},
-    {"F2", "double", "mm", "{F1}+{C03}/4"},
-    {"F3", "double", "mm", "({F2}-{C04})*1.25"},
-    {"F4", "double", "mm", "{F3}*0.5+{C05}-1.5"},
-    {"F5", "double", "mm", "{C06}+{C07}+{C08}"},
-    {"F6", "double", "mm", "{F5}/3+2*{C09}"},
-    {"F7", "double", "mm", "{F6}-{C10}*0.1"},
-    {"F8", "double", "mm", "({F7}+{C11})*({C12}/{C01})"},
-    {"T1", "string", "ul", "&quot;Size &quot;&amp;{SIZE}&amp;&quot; x &quot;&amp;{C02}"},
-    {"T2", "string", "ul", "{T1}&amp;&quot; / &quot;&amp;{C03}"},
+    {"F1", "double", "mm", "{C01}*2+{C02}", "=C#*2+D#"},
+    {"F2", "double", "mm", "{F1}+{C03}/4", "=O#+E#/4"},
+    {"F3", "double", "mm", "({F2}-{C04})*1.25", "=(P#-F#)*1.25"},
+    {"F4", "double", "mm", "{F3}*0.5+{C05}-1.5", "=Q#*0.5+G#-1.5"},
+    {"F5", "double", "mm", "{C06}+{C07}+{C08}", "=H#+I#+J#"},
+    {"F6", "double", "mm", "{F5}/3+2*{C09}", "=S#/3+2*K#"},
+    {"F7", "double", "mm", "{F6}-{C10}*0.1", "=T#-L#*0.1"},
+    {"F8", "double", "mm", "({F7}+{C11})*({C12}/{C01})", "=(U#+M#)*(N#/C#)"},
+    {"T1", "string", "ul", "&quot;Size &quot;&amp;{SIZE}&amp;&quot; x &quot;&amp;{C02}",
+     R"(=""Size ""&B#&"" x ""&D#)"},
+    {"T2", "string", "ul", "{T1}&amp;&quot; / &quot;&amp;{C03}", R"(=W#&"" / ""&E#)"},
 }};
 
 /// Numbers that look random and are the same everywhere.
@@ -75,10 +78,10 @@ std::string NumberColumnId(int index)
 
 void AppendColumns(std::string& out)
 {
-    AppendColumn(out, "RID", {"", "string", "ul", ""});
-    AppendColumn(out, "SIZE", {"", "string", "ul", ""});
+    AppendColumn(out, "RID", {"", "string", "ul", "", ""});
+    AppendColumn(out, "SIZE", {"", "string", "ul", "", ""});
     for (int index = 1; index <= kNumberColumns; ++index) {
-        AppendColumn(out, NumberColumnId(index), {"", "double", "mm", ""});
+        AppendColumn(out, NumberColumnId(index), {"", "double", "mm", "", ""});
     }
     for (const FormulaColumn& column : kFormulas) {
         AppendColumn(out, column.id, column);
@@ -100,24 +103,71 @@ std::string SizeText(int row)
     return std::string("M").append(std::to_string(row % 64 + 1));
 }
 
+/// The texts of one row: twelve numbers, and what the formula cells hold of their own.
+struct RowTexts {
+    explicit RowTexts(int row) : id(RowId(row)), size(SizeText(row))
+    {
+        Sequence sequence(static_cast<uint32_t>(row) + 7U);
+        for (std::string& number : numbers) {
+            AppendNumber(number, 1.0 + sequence.Below(4000) / 16.0);
+        }
+        for (std::size_t index = 0; index < kFormulas.size(); ++index) {
+            if (sequence.Below(100) < kOverridesPerHundred) {
+                overrides[index] = kFormulas[index].type == "double" ? "77.5" : "special";
+            }
+        }
+    }
+
+    std::string id;
+    std::string size;
+    std::array<std::string, kNumberColumns> numbers;
+    std::array<std::string_view, kFormulaColumnCount> overrides;
+};
+
 void AppendRow(std::string& out, int row)
 {
-    Sequence sequence(static_cast<uint32_t>(row) + 7U);
-    const std::string id = RowId(row);
-    out.append("<Row RowId=\"").append(id).append("\">");
-    AppendCell(out, "RID", id);
-    AppendCell(out, "SIZE", SizeText(row));
+    const RowTexts texts(row);
+    out.append("<Row RowId=\"").append(texts.id).append("\">");
+    AppendCell(out, "RID", texts.id);
+    AppendCell(out, "SIZE", texts.size);
     for (int index = 1; index <= kNumberColumns; ++index) {
-        std::string number;
-        AppendNumber(number, 1.0 + sequence.Below(4000) / 16.0);
-        AppendCell(out, NumberColumnId(index), number);
+        AppendCell(out, NumberColumnId(index), texts.numbers[static_cast<std::size_t>(index - 1)]);
     }
-    for (const FormulaColumn& column : kFormulas) {
-        if (sequence.Below(100) < kOverridesPerHundred) {
-            AppendCell(out, column.id, column.type == "double" ? "77.5" : "special");
+    for (std::size_t index = 0; index < kFormulas.size(); ++index) {
+        if (!texts.overrides[index].empty()) {
+            AppendCell(out, kFormulas[index].id, texts.overrides[index]);
         }
     }
     out.append("</Row>\n");
+}
+
+/// The formula with the number of the line in place of "#", quoted as CSV.
+void AppendSheetFormula(std::string& out, std::string_view formula, const std::string& line)
+{
+    out.append("\"");
+    for (const char c : formula) {
+        c == '#' ? out.append(line) : out.append(1, c);
+    }
+    out.append("\"");
+}
+
+void AppendSheetRow(std::string& out, int row)
+{
+    const RowTexts texts(row);
+    const std::string line = std::to_string(row + 1);
+    out.append(texts.id).append(",").append(texts.size);
+    for (const std::string& number : texts.numbers) {
+        out.append(",").append(number);
+    }
+    for (std::size_t index = 0; index < kFormulas.size(); ++index) {
+        out.append(",");
+        if (texts.overrides[index].empty()) {
+            AppendSheetFormula(out, kFormulas[index].sheet, line);
+        } else {
+            out.append(texts.overrides[index]);
+        }
+    }
+    out.append("\n");
 }
 
 } // namespace
@@ -134,6 +184,15 @@ std::string GenerateFamily(const TableShape& shape)
         AppendRow(out, row);
     }
     out.append("</Rows>\n</FamilyTable>\n</Family>\n");
+    return out;
+}
+
+std::string GenerateSheet(const TableShape& shape)
+{
+    std::string out;
+    for (int row = 0; row < shape.rows; ++row) {
+        AppendSheetRow(out, row);
+    }
     return out;
 }
 

@@ -19,6 +19,8 @@ inline constexpr int kFormulaColumnCount = 10;
 
 /// The family document as UTF-8, without a declaration.
 [[nodiscard]] std::string GenerateFamily(const TableShape& shape);
+/// The same table for a spreadsheet: CSV without a heading, formulas over the columns A to X.
+[[nodiscard]] std::string GenerateSheet(const TableShape& shape);
 /// The strings document of "en" that goes with it.
 [[nodiscard]] std::string GenerateStrings(const TableShape& shape);
 

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "encap/platform/Terminal.h"
+
+#include <cstddef>
 #include <iosfwd>
+#include <optional>
 #include <string_view>
 
 namespace encap::cli {
@@ -18,12 +22,21 @@ public:
     /// are shown as their pictures.
     void Message(std::string_view text);
     void Message(std::wstring_view text);
+    /// Shows a line that the next one, or anything else that is written, takes the place of; on a
+    /// terminal only. Not longer than a terminal is wide.
+    void Progress(std::string_view text);
+    /// The terminal that the results go to; nothing when they go elsewhere.
+    [[nodiscard]] std::optional<platform::TerminalSize> OutputTerminal() const;
     /// Hands everything to the system. Throws CommandError when it does not take it.
     void Finish();
 
 private:
+    void ClearProgress();
+
     std::ostream& m_out;
     std::ostream& m_err;
+    bool m_errIsTerminal;
+    std::size_t m_progressLength = 0; ///< of the line that is shown
 };
 
 } // namespace encap::cli

@@ -47,13 +47,6 @@ const FailedQuestion* CauseOf(const RecordingProvider& host, CTableEvaluator::Ev
     return isHosts ? host.LastFailure() : nullptr;
 }
 
-/// As much of a text as is good to read in a message.
-CString Shortened(const CString& text)
-{
-    constexpr std::size_t kMost = 200;
-    return text.size() <= kMost ? text : text.substr(0, kMost) + L"...";
-}
-
 /// The first column in braces that the table does not have; empty when there is none.
 CString MissingColumn(const CEncapFamilyTable& table, const CString& source)
 {
@@ -95,13 +88,19 @@ bool HasNoValue(CTableEvaluator::EvaluateResult result)
            result != CTableEvaluator::EvaluateUnitlessFallback;
 }
 
-CString SourceTextOf(const OpenFamily& family, const CString& rowId, CEncapFamilyColumn& column)
+CString Shortened(const CString& text)
+{
+    constexpr std::size_t kMost = 200;
+    return text.size() <= kMost ? text : text.substr(0, kMost) + L"...";
+}
+
+CString SourceTextOf(const OpenFamily& family, const CString& rowId,
+                     const CEncapFamilyColumn& column, const CString& language)
 {
     const CString columnId = IdOf(column);
     CString text;
-    if (column.IsLocalized() &&
-        family.Family().GetLocalizedCellValue(columnId.c_str(), rowId.c_str(),
-                                              family.Language().c_str(), text) == 0) {
+    if (column.IsLocalized() && family.Family().GetLocalizedCellValue(
+                                    columnId.c_str(), rowId.c_str(), language.c_str(), text) == 0) {
         return text;
     }
     const CEncapFamilyRow* row = family.Table().GetFamilyRowByID(rowId.c_str());
@@ -111,8 +110,32 @@ CString SourceTextOf(const OpenFamily& family, const CString& rowId, CEncapFamil
         cell.GetNodeText(text);
         return text;
     }
-    column.GetFormula(text, family.Language().c_str());
+    column.GetFormula(text, language.c_str());
     return text;
+}
+
+CString FaultOfCell(const OpenFamily& family, const CString& rowId,
+                    const CEncapFamilyColumn& column, const CString& language,
+                    CTableEvaluator::EvaluateResult result)
+{
+    const CString source = SourceTextOf(family, rowId, column, language);
+    CString fault = FormatText(L"result %d, %s: \"%s\"", {static_cast<int32_t>(result),
+                                                          SentenceOf(result), Shortened(source)});
+    if (const FailedQuestion* cause = CauseOf(family.Provider(), result)) {
+        fault += FormatText(L"; asked to %s: %s", {Shortened(cause->text), cause->reason});
+    } else if (result == CTableEvaluator::EvaluateFailed) {
+        const CString missing = MissingColumn(family.Table(), source);
+        fault += missing.empty() ? CString() : L"; there is no column " + missing;
+    }
+    return fault;
+}
+
+CString FailureText(const OpenFamily& family, const CString& rowId, CEncapFamilyColumn& column,
+                    CTableEvaluator::EvaluateResult result)
+{
+    return FormatText(
+        L"row %s, column %s: %s",
+        {rowId, IdOf(column), FaultOfCell(family, rowId, column, family.Language(), result)});
 }
 
 FailureReport::FailureReport(OpenFamily& family, Console& console)
@@ -124,18 +147,8 @@ void FailureReport::Tell(const CString& rowId, CEncapFamilyColumn& column,
                          CTableEvaluator::EvaluateResult result)
 {
     ++(HasNoValue(result) ? m_failed : m_unitless);
-    const CString source = SourceTextOf(m_family, rowId, column);
-    CString message =
-        FormatText(L"%s: row %s, column %s: result %d, %s: \"%s\"",
-                   {m_family.File().Path(), rowId, IdOf(column), static_cast<int32_t>(result),
-                    WordsOf(result).sentence, Shortened(source)});
-    if (const FailedQuestion* cause = CauseOf(m_family.Provider(), result)) {
-        message += FormatText(L"; asked to %s: %s", {Shortened(cause->text), cause->reason});
-    } else if (result == CTableEvaluator::EvaluateFailed) {
-        const CString missing = MissingColumn(m_family.Table(), source);
-        message += missing.empty() ? CString() : L"; there is no column " + missing;
-    }
-    m_console.Message(message);
+    m_console.Message(m_family.File().Path() + L": " +
+                      FailureText(m_family, rowId, column, result));
 }
 
 void FailureReport::Summarize(std::size_t cells) const

@@ -11,11 +11,14 @@ namespace encap::cli {
 
 struct Options::State {
     State(const std::string& command, const std::string& summary)
-        : name(command), app(summary, "encap " + command)
+        : name(command), root(std::make_unique<CLI::App>(summary, "encap " + command)), app(*root)
     {
+        app.allow_windows_style_options(false); // a path may begin with "/"
         app.get_formatter()->column_width(28);
         app.get_formatter()->label("REQUIRED", "");
     }
+    /// Below another command, to which the subcommand belongs.
+    State(const std::string& command, CLI::App& subcommand) : name(command), app(subcommand) {}
 
     /// An option whose values, at the end of a successful run, are given to take as they stand.
     CLI::Option* Add(const std::string& names, const std::string& valueName,
@@ -31,8 +34,13 @@ struct Options::State {
         return option;
     }
 
+    /// Throws UsageError when there are subcommands and the first argument is none of them.
+    void RequireSubcommand(const std::vector<std::string>& arguments) const;
+
     std::string name;
-    CLI::App app;
+    std::unique_ptr<CLI::App> root; ///< null below another command
+    CLI::App& app;
+    std::vector<std::unique_ptr<Options>> subcommands;
 };
 
 namespace {
@@ -72,6 +80,8 @@ Options::Options(const std::string& command, const std::string& summary)
     : m_state(std::make_unique<State>(command, summary))
 {
 }
+
+Options::Options(std::unique_ptr<State> state) : m_state(std::move(state)) {}
 
 Options::~Options() = default;
 
@@ -180,13 +190,43 @@ void Options::Number(int& value, const std::string& names, const std::string& va
         ->check(check, "", "");
 }
 
+Options& Options::Subcommand(const std::string& name, const std::string& summary,
+                             std::function<void()> chosen)
+{
+    CLI::App* const app = m_state->app.add_subcommand(name, summary);
+    app->callback(std::move(chosen));
+    m_state->app.require_subcommand(1);
+    auto state = std::make_unique<State>(m_state->name + ' ' + name, *app);
+    // The constructor is not for everybody, std::make_unique included.
+    m_state->subcommands.push_back(std::unique_ptr<Options>(new Options(std::move(state))));
+    return *m_state->subcommands.back();
+}
+
 void Options::Footer(const std::string& text)
 {
     m_state->app.footer(text);
 }
 
+void Options::State::RequireSubcommand(const std::vector<std::string>& arguments) const
+{
+    std::vector<std::string> names;
+    for (const CLI::App* subcommand : app.get_subcommands(nullptr)) {
+        names.push_back(subcommand->get_name());
+    }
+    const std::string first = arguments.empty() ? "" : arguments.front();
+    const bool isKnown = std::find(names.begin(), names.end(), first) != names.end();
+    if (names.empty() || isKnown || first == "-h" || first == "--help") {
+        return;
+    }
+    const std::string all = Joined(names, ", ");
+    throw UsageError(Wide(first.empty() ? "an action is missing, one of " + all
+                                        : "'" + first + "' is none of " + all) +
+                     L": 'encap " + Wide(name) + L" --help' tells more");
+}
+
 bool Options::Parse(const std::vector<std::string>& arguments, std::string& help)
 {
+    m_state->RequireSubcommand(arguments);
     try {
         m_state->app.parse(Reversed(arguments));
         return true;
@@ -194,7 +234,11 @@ bool Options::Parse(const std::vector<std::string>& arguments, std::string& help
         help = m_state->app.help();
         return false;
     } catch (const CLI::ParseError& error) {
-        throw UsageError(Wide(error.what()) + L": 'encap " + Wide(m_state->name) +
+        std::string name = m_state->name;
+        for (const CLI::App* subcommand : m_state->app.get_subcommands()) {
+            name.append(" ").append(subcommand->get_name());
+        }
+        throw UsageError(Wide(error.what()) + L": 'encap " + Wide(name) +
                          L" --help' lists what it takes");
     }
 }

@@ -2,6 +2,7 @@
 
 #include "encap/foundation/Types.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,11 @@ public:
     /// A whole number within bounds, both included.
     void Number(int& value, const std::string& names, const std::string& valueName, int least,
                 int most, const std::string& help);
+    /// A word that must stand before the arguments declared on what is given back, as "list" in
+    /// "encap icon list FILE". With one such word, one of all that are declared is required, and
+    /// chosen is called for the one that is given. Lives as long as this object.
+    Options& Subcommand(const std::string& name, const std::string& summary,
+                        std::function<void()> chosen);
     /// A paragraph at the end of the help.
     void Footer(const std::string& text);
 
@@ -52,6 +58,7 @@ public:
 
 private:
     struct State;
+    explicit Options(std::unique_ptr<State> state);
     std::unique_ptr<State> m_state;
 };
 

@@ -5,19 +5,15 @@
 #include "encap/platform/Files.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <system_error>
 
 namespace encap::cli {
-namespace {
 
 std::filesystem::path NativePath(const CString& path)
 {
     const std::string utf8 = platform::WideToUtf8(path);
     return {std::u8string(utf8.begin(), utf8.end())};
 }
-
-} // namespace
 
 bool IsAbsolutePath(std::wstring_view path)
 {

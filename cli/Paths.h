@@ -2,11 +2,13 @@
 
 #include "encap/foundation/Types.h"
 
+#include <filesystem>
 #include <string_view>
 
 // Paths as documents name them: both "/" and "\" separate directories.
 namespace encap::cli {
 
+[[nodiscard]] std::filesystem::path NativePath(const CString& path);
 /// Begins with a separator or a drive ("C:").
 [[nodiscard]] bool IsAbsolutePath(std::wstring_view path);
 /// The path up to and with its last separator; empty when it has none.

@@ -23,6 +23,15 @@ void Results::Pass()
     }
 }
 
+void Results::PassNow()
+{
+    if (m_path.empty()) {
+        m_console.Write(m_text);
+        m_console.Finish();
+        m_text.clear();
+    }
+}
+
 void Results::Finish()
 {
     if (m_path.empty()) {

@@ -22,6 +22,8 @@ public:
     /// Called once in a while, as after a row: hands text over when there is enough of it. Throws
     /// CommandError when it is not taken.
     void Pass();
+    /// As Pass, whatever there is, down to the system: for results that come slowly.
+    void PassNow();
     /// Hands over the rest. Throws CommandError when it is not taken; the old file is then whole.
     void Finish();
 

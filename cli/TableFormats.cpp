@@ -2,18 +2,15 @@
 
 #include "cli/CellReader.h"
 #include "cli/ColumnFacts.h"
+#include "cli/Csv.h"
 #include "cli/JsonWriter.h"
 #include "cli/OpenFamily.h"
 #include "cli/Results.h"
 #include "cli/TextTable.h"
 #include "encap/foundation/NumberText.h"
 
-#include <algorithm>
-
 namespace encap::cli {
 namespace {
-
-constexpr std::string_view kLineEnd = "\r\n";
 
 bool IsShown(const CEncapFamilyColumn& column)
 {
@@ -47,29 +44,6 @@ void AppendMark(CString& value, CTableEvaluator::EvaluateResult result)
         value += L' ';
     }
     value += L'#' + FormatInteger(result) + L' ' + MarkOf(result);
-}
-
-bool NeedsQuotes(wchar_t character)
-{
-    return character == L',' || character == L'"' || character == L'\r' || character == L'\n';
-}
-
-/// Appends UTF-8; in quotes, with quotes in it doubled, when the text holds a quote, a comma or a
-/// line break.
-void AppendCsv(std::string& out, std::wstring_view text)
-{
-    if (std::none_of(text.begin(), text.end(), NeedsQuotes)) {
-        platform::AppendUtf8(out, text);
-        return;
-    }
-    const std::size_t start = out.size();
-    platform::AppendUtf8(out, text);
-    for (std::size_t quote = out.find('"', start); quote != std::string::npos;
-         quote = out.find('"', quote + 2)) {
-        out.insert(quote, 1, '"');
-    }
-    out.insert(start, 1, '"');
-    out += '"';
 }
 
 void WriteHead(JsonWriter& json, const OpenFamily& opened)
@@ -162,7 +136,7 @@ void PrintTableCsv(CellReader& cells, Results& results)
         results.Text() += ',';
         AppendCsv(results.Text(), id);
     }
-    results.Text() += kLineEnd;
+    results.Text() += kCsvLineEnd;
     CString value;
     for (std::size_t row = 0; row < cells.RowIds().size(); ++row) {
         AppendCsv(results.Text(), cells.RowIds()[row]);
@@ -171,7 +145,7 @@ void PrintTableCsv(CellReader& cells, Results& results)
             results.Text() += ',';
             AppendCsv(results.Text(), value);
         }
-        results.Text() += kLineEnd;
+        results.Text() += kCsvLineEnd;
         results.Pass();
     }
 }

@@ -11,4 +11,8 @@ if(Utf8proc_FOUND AND NOT TARGET utf8proc::utf8proc)
     set_target_properties(utf8proc::utf8proc PROPERTIES
         IMPORTED_LOCATION "${UTF8PROC_LIBRARY}"
         INTERFACE_INCLUDE_DIRECTORIES "${UTF8PROC_INCLUDE_DIR}")
+    if(MINGW AND UTF8PROC_LIBRARY MATCHES "[^l]\\.a$")
+        set_property(TARGET utf8proc::utf8proc PROPERTY
+            INTERFACE_COMPILE_DEFINITIONS UTF8PROC_STATIC)
+    endif()
 endif()

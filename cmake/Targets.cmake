@@ -3,6 +3,12 @@
 # Headers that CMake writes stand here, under their include path.
 set(ENCAP_GENERATED_DIR "${PROJECT_BINARY_DIR}/generated")
 
+# The platform's objects, for libraries beside a shared encap, which hides them. Those left out hold
+# what the library and its host share (hooks and handles): there must be one of each in a process,
+# and encap exports them.
+set(ENCAP_PLATFORM_OBJECTS
+    "$<FILTER:$<TARGET_OBJECTS:encap_platform>,EXCLUDE,/(Clipboard|IconHandles|MessageBox)[.]cpp>")
+
 # encap_add_layer(<name> SOURCES <files> [LIBS <targets>])
 # One layer of the library as an object library encap_<name>: the library is put together from the
 # layers' objects, and tests link them directly, so that they reach what a shared build hides.
@@ -67,8 +73,13 @@ function(encap_add_test name)
     endforeach()
     target_link_libraries(${target} PRIVATE encap_warnings ${ENCAP_THIRD_PARTY} ${ARG_LIBS}
                           GTest::gtest GTest::gmock GTest::gtest_main Threads::Threads)
-    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60
-                         PROPERTIES TIMEOUT 300 LABELS ${ARG_LABEL})
+    if(CMAKE_CROSSCOMPILING)
+        # The program cannot be asked for its tests here; scripts/test-windows runs it.
+        set_property(GLOBAL APPEND PROPERTY ENCAP_TEST_PROGRAMS ${target})
+    else()
+        gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60
+                             PROPERTIES TIMEOUT 300 LABELS ${ARG_LABEL})
+    endif()
     if(ARG_LABEL STREQUAL "threads")
         set_property(GLOBAL APPEND PROPERTY ENCAP_THREAD_TESTS ${target})
     endif()

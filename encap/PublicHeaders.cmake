@@ -14,6 +14,7 @@ set(ENCAP_PUBLIC_HEADERS
     encap/foundation/StringMap.h
     encap/foundation/StringUtil.h
     encap/foundation/Types.h
+    encap/icons/Dib.h
     encap/icons/IconRecords.h
     encap/icons/Icons.h
     encap/mapping/FamilyColVexilData.h

@@ -11,6 +11,7 @@
 #include "encap/foundation/StringUtil.h"
 #include "encap/foundation/Types.h"
 #include "encap/foundation/Version.h"
+#include "encap/icons/Dib.h"
 #include "encap/icons/IconRecords.h"
 #include "encap/icons/Icons.h"
 #include "encap/mapping/FamilyColVexilData.h"

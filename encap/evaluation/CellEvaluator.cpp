@@ -6,6 +6,7 @@
 #include "encap/foundation/NumberText.h"
 #include "encap/foundation/RangeParser.h"
 #include "encap/foundation/StringUtil.h"
+#include "encap/foundation/TextFormat.h"
 
 #include <cmath>
 
@@ -57,7 +58,7 @@ CellEvaluator::CellEvaluator(CEncapFamilyTable& table, const HostCalls& host, To
 
 std::optional<CellEvaluator::Result> CellEvaluator::ReadAtHand(const RowReference& row,
                                                                CEncapFamilyColumn& column,
-                                                               std::wstring_view language,
+                                                               LanguageReference& language,
                                                                CString& value)
 {
     const ColumnState& state = TableAccess::Of(column);
@@ -65,7 +66,7 @@ std::optional<CellEvaluator::Result> CellEvaluator::ReadAtHand(const RowReferenc
     if (cache.Get(row.id, state.cacheNumber, language, value) == 0) {
         return CTableEvaluator::EvaluateOK;
     }
-    if (IsRowBookkeeping(state.id)) {
+    if (state.bookkeeping) {
         value.clear();
         if (row.entry != nullptr) {
             TableAccess::ReadCell(m_table, *row.Row(), state, value);
@@ -76,7 +77,7 @@ std::optional<CellEvaluator::Result> CellEvaluator::ReadAtHand(const RowReferenc
     if (m_passing.empty() || m_passingVersion != m_state.editVersion) {
         return std::nullopt;
     }
-    const auto found = m_passing.find({&column, CString(row.id), CString(language)});
+    const auto found = m_passing.find({&column, CString(row.id), CString(language.text)});
     if (found == m_passing.end()) {
         return std::nullopt;
     }
@@ -85,8 +86,11 @@ std::optional<CellEvaluator::Result> CellEvaluator::ReadAtHand(const RowReferenc
 }
 
 CellEvaluator::Result CellEvaluator::Evaluate(const RowReference& row, CEncapFamilyColumn& column,
-                                              std::wstring_view language, CString& value)
+                                              LanguageReference& language, CString& value)
 {
+    if (EvaluatePlainCell(row, column, language, value)) {
+        return CTableEvaluator::EvaluateOK;
+    }
     const std::size_t base = m_depth;
     if (base == 0) {
         m_startVersion = m_state.editVersion;
@@ -129,8 +133,25 @@ CellEvaluator::Result CellEvaluator::Run(std::size_t base, CString& value)
     }
 }
 
+// Most cells hold a text of their own that is the value as it stands: they need no frame. Others,
+// and those that will fail, are left to the steps below.
+bool CellEvaluator::EvaluatePlainCell(const RowReference& row, CEncapFamilyColumn& column,
+                                      LanguageReference& language, CString& value)
+{
+    ColumnState& state = TableAccess::Of(column);
+    if (row.entry == nullptr || state.custom || state.visiting > 0 || column.IsMaterial() ||
+        TableAccess::IsLocalized(m_table, state) || LocalizedSeparator() != L'\0' ||
+        !TableAccess::ReadCell(m_table, *row.Row(), state, m_source) ||
+        m_source.size() > kLongestCachedValue || HoldsEither(m_source, L'{', L'}') ||
+        !FinishWithoutHost(state, m_source, value)) {
+        return false;
+    }
+    m_state.cacheStore->Set(row.id, state.cacheNumber, language, value);
+    return true;
+}
+
 CellEvaluator::Result CellEvaluator::Push(const RowReference& row, CEncapFamilyColumn& column,
-                                          std::wstring_view language)
+                                          const LanguageReference& language)
 {
     if (m_state.editVersion != m_startVersion && ++m_cellsAcrossEdits > kMostCellsAcrossEdits) {
         return CTableEvaluator::EvaluateFailed;
@@ -194,7 +215,7 @@ bool CellEvaluator::FindOwnText(const Frame& frame, bool localized, CString& sou
     const ColumnState& column = TableAccess::Of(*frame.column);
     if (localized) {
         const CString row(frame.row.id);
-        const CString language(frame.language);
+        const CString language(frame.language.text);
         if (m_state.family->GetLocalizedCellValue(column.id.c_str(), row.c_str(), language.c_str(),
                                                   source) == 0) {
             return true;
@@ -207,7 +228,7 @@ bool CellEvaluator::FindOwnText(const Frame& frame, bool localized, CString& sou
     if (!localized) {
         return false;
     }
-    const CString language(frame.language);
+    const CString language(frame.language.text);
     return m_state.family->GetLocalizedColumnPropertyValue(
                column.id.c_str(), vocabulary::kColumnwideValue, language.c_str(), source) == 0;
 }
@@ -229,7 +250,7 @@ void CellEvaluator::ChooseRangeValue(Frame& frame, CString& source)
 
 CellEvaluator::Result CellEvaluator::BeginWithText(Frame& frame, const CString& source)
 {
-    if (source.find_first_of(L"{}") == CString::npos) {
+    if (!HoldsEither(source, L'{', L'}')) {
         frame.hasHiddenReferences = false;
         return AddLiteral(frame, source);
     }
@@ -256,6 +277,10 @@ std::optional<CellEvaluator::Result> CellEvaluator::Collect(Frame& frame)
         }
         if (const auto known = ReadAtHand(frame.row, *column, frame.language, m_value)) {
             result = AddReference(frame, *known, m_value);
+            continue;
+        }
+        if (EvaluatePlainCell(frame.row, *column, frame.language, m_value)) {
+            result = AddReference(frame, CTableEvaluator::EvaluateOK, m_value);
             continue;
         }
         result = Push(frame.row, *column, frame.language);
@@ -292,12 +317,11 @@ CellEvaluator::Result CellEvaluator::AddReference(Frame& frame, Result result, c
     }
     const Token& token = frame.tokens->tokens[frame.nextToken++];
     frame.running = result;
-    frame.expression += value;
-    if (IsNumericType(TableAccess::Of(*frame.column).dataType) &&
-        CStringUtil::IsNumericValue(value.c_str())) {
+    if (!IsNumericType(TableAccess::Of(*frame.column).dataType)) {
+        frame.expression += value;
+    } else if (AppendReferencedValue(frame.expression, value,
+                                     TableAccess::Of(*token.column).unit)) {
         frame.fallback += value;
-        const CString& unit = TableAccess::Of(*token.column).unit;
-        unit.empty() ? frame.expression += kUnitless : frame.expression += unit;
     }
     return frame.expression.size() <= kLongestExpression ? CTableEvaluator::EvaluateOK
                                                          : CTableEvaluator::EvaluateFailed;
@@ -305,24 +329,12 @@ CellEvaluator::Result CellEvaluator::AddReference(Frame& frame, Result result, c
 
 CellEvaluator::Result CellEvaluator::Finish(Frame& frame, CString& value)
 {
-    switch (TableAccess::Of(*frame.column).dataType) {
-    case DataTypes::ColumnDataTypeReal:
-    case DataTypes::ColumnDataTypeInteger: return FinishNumber(frame, value);
-    case DataTypes::ColumnDataTypeBoolean:
-        if (!CStringUtil::IsLogicalValue(frame.expression.c_str())) {
-            return CTableEvaluator::EvaluateTypeMismatch;
-        }
-        value = frame.expression;
+    const ColumnState& column = TableAccess::Of(*frame.column);
+    if (FinishWithoutHost(column, frame.expression, value)) {
         return frame.running;
-    default: JoinTextPieces(frame.expression, value); return frame.running;
     }
-}
-
-CellEvaluator::Result CellEvaluator::FinishNumber(Frame& frame, CString& value)
-{
-    if (CStringUtil::IsNumericValue(frame.expression.c_str())) {
-        value = frame.expression;
-        return frame.running;
+    if (!IsNumericType(column.dataType)) {
+        return CTableEvaluator::EvaluateTypeMismatch;
     }
     double number = 0.0;
     const Result result = ComputeNumber(frame, number);
@@ -330,6 +342,28 @@ CellEvaluator::Result CellEvaluator::FinishNumber(Frame& frame, CString& value)
         AssignNumberValue(number, LocalizedSeparator(), value);
     }
     return result;
+}
+
+// The value of a finished expression; false when it is no value of the column's type as it stands.
+bool CellEvaluator::FinishWithoutHost(const ColumnState& column, const CString& expression,
+                                      CString& value) const
+{
+    switch (column.dataType) {
+    case DataTypes::ColumnDataTypeReal:
+    case DataTypes::ColumnDataTypeInteger:
+        if (!CStringUtil::IsNumericValue(std::wstring_view(expression))) {
+            return false;
+        }
+        break;
+    case DataTypes::ColumnDataTypeBoolean:
+        if (!CStringUtil::IsLogicalValue(expression.c_str())) {
+            return false;
+        }
+        break;
+    default: JoinTextPieces(expression, value); return true;
+    }
+    value = expression;
+    return true;
 }
 
 // Has the host compute the expression, with units and failing that without; the number is in the
@@ -368,11 +402,10 @@ CellEvaluator::Result CellEvaluator::Keep(Frame& frame, Result result, bool oute
     if (value.size() > kLongestExpression) {
         return CTableEvaluator::EvaluateFailed;
     }
-    if (column.removed || RowIsGone(frame.row)) {
-        return CTableEvaluator::EvaluateColumnNotFound;
-    }
     if (frame.editVersion != m_state.editVersion) {
-        return result; // a host call edited the family: the next read computes it anew
+        // A host call edited the family: the next read computes it anew.
+        return column.removed || RowIsGone(frame.row) ? CTableEvaluator::EvaluateColumnNotFound
+                                                      : result;
     }
     const bool passing = result == CTableEvaluator::EvaluateUnitlessFallback && !outermost;
     if (passing || value.size() > kLongestCachedValue) {
@@ -398,7 +431,7 @@ void CellEvaluator::KeepForThisChain(const Frame& frame, Result result, const CS
         m_passing.clear();
         m_passingVersion = m_state.editVersion;
     }
-    m_passing.insert_or_assign({frame.column, CString(frame.row.id), CString(frame.language)},
+    m_passing.insert_or_assign({frame.column, CString(frame.row.id), CString(frame.language.text)},
                                PassingValue{result, value});
 }
 

@@ -26,17 +26,17 @@ public:
     /// The value where it needs no evaluation: cached, or a cell that only holds text of its own.
     [[nodiscard]] std::optional<Result> ReadAtHand(const RowReference& row,
                                                    CEncapFamilyColumn& column,
-                                                   std::wstring_view language, CString& value);
+                                                   LanguageReference& language, CString& value);
     /// Evaluates the cell whatever the cache holds, and caches the value (0 and 8).
-    Result Evaluate(const RowReference& row, CEncapFamilyColumn& column, std::wstring_view language,
-                    CString& value);
+    Result Evaluate(const RowReference& row, CEncapFamilyColumn& column,
+                    LanguageReference& language, CString& value);
 
 private:
     /// One cell on the way to its value.
     struct Frame {
         RowReference row;
         CEncapFamilyColumn* column = nullptr;
-        std::wstring_view language;
+        LanguageReference language;
         std::optional<CCircularDependencyChecker> guard;
         std::shared_ptr<const TokenList> tokens; ///< null for a text without references
         std::size_t nextToken = 0;
@@ -68,7 +68,10 @@ private:
     class Unwinding;
 
     Result Run(std::size_t base, CString& value);
-    Result Push(const RowReference& row, CEncapFamilyColumn& column, std::wstring_view language);
+    Result Push(const RowReference& row, CEncapFamilyColumn& column,
+                const LanguageReference& language);
+    bool EvaluatePlainCell(const RowReference& row, CEncapFamilyColumn& column,
+                           LanguageReference& language, CString& value);
     void Pop();
 
     // The steps of one cell.
@@ -80,7 +83,8 @@ private:
     Result AddLiteral(Frame& frame, const CString& text);
     Result AddReference(Frame& frame, Result result, const CString& value);
     Result Finish(Frame& frame, CString& value);
-    Result FinishNumber(Frame& frame, CString& value);
+    bool FinishWithoutHost(const ColumnState& column, const CString& expression,
+                           CString& value) const;
     Result ComputeNumber(Frame& frame, double& number);
     Result Keep(Frame& frame, Result result, bool outermost, const CString& value);
     void KeepForThisChain(const Frame& frame, Result result, const CString& value);

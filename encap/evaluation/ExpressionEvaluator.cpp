@@ -126,6 +126,40 @@ ExpressionEvaluator::Result ExpressionEvaluator::SubstituteReference(const Token
     return CTableEvaluator::EvaluateOK;
 }
 
+ExpressionEvaluator::Result ExpressionEvaluator::ReplaceReferences(std::wstring_view text,
+                                                                   const CString& rowId,
+                                                                   const CString& language,
+                                                                   CString& replaced)
+{
+    const std::shared_ptr<const TokenList> list = m_tokens.Get(text);
+    if (list == nullptr) {
+        return CTableEvaluator::EvaluateSyntaxError;
+    }
+    CString expression;
+    CString value;
+    for (const Token& token : list->tokens) {
+        if (!token.isReference) {
+            expression += token.text;
+            continue;
+        }
+        const Result result =
+            m_table.GetValue(rowId.c_str(), token.text.c_str(), language.c_str(), value);
+        if (!HasValue(result)) {
+            return result;
+        }
+        const CEncapFamilyColumn* column = m_table.GetFamilyColumnByID(token.text.c_str());
+        if (column == nullptr) {
+            return CTableEvaluator::EvaluateFailed;
+        }
+        AppendReferencedValue(expression, value, TableAccess::Of(*column).unit);
+        if (expression.size() > kLongestExpression) {
+            return CTableEvaluator::EvaluateFailed;
+        }
+    }
+    replaced = std::move(expression);
+    return CTableEvaluator::EvaluateOK;
+}
+
 ExpressionEvaluator::Result ExpressionEvaluator::FinishNumber(CString expression,
                                                               const CString& units, CString& result)
 {

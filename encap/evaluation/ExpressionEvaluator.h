@@ -25,6 +25,10 @@ public:
     Result Evaluate(std::wstring_view formula, DataTypes::ColumnFormulaType formulaType,
                     DataTypes::ColumnDataType dataType, std::wstring_view rowId,
                     const CString& units, CString& result);
+    /// The text with its references replaced as those of a numeric cell are: the expression that
+    /// such a cell hands to the host. replaced is set with 0 only.
+    Result ReplaceReferences(std::wstring_view text, const CString& rowId, const CString& language,
+                             CString& replaced);
     Result CheckSyntax(const CString& formula, DataTypes::ColumnFormulaType formulaType,
                        DataTypes::ColumnDataType dataType, const CString& units);
     /// The columns that a text refers to, each once; 2 or 5 with columns as they were.

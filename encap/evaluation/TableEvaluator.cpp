@@ -27,7 +27,8 @@ CTableEvaluator::EvaluateResult CTableEvaluator::EvaluateCell(std::wstring_view 
 {
     CEncapFamilyTable& table = *encap::TableAccess::Table(column);
     const encap::RowReference row = encap::TableAccess::FindRow(table, rowId);
-    return m_state->cells.Evaluate(row, column, language, value);
+    encap::LanguageReference reference{language};
+    return m_state->cells.Evaluate(row, column, reference, value);
 }
 
 CTableEvaluator::EvaluateResult
@@ -37,6 +38,14 @@ CTableEvaluator::EvaluateExpression(std::wstring_view formula,
                                     const CString& units, CString& result)
 {
     return m_state->expressions.Evaluate(formula, formulaType, dataType, rowId, units, result);
+}
+
+CTableEvaluator::EvaluateResult CTableEvaluator::ReplaceReferences(std::wstring_view text,
+                                                                   const CString& rowId,
+                                                                   const CString& language,
+                                                                   CString& replaced)
+{
+    return m_state->expressions.ReplaceReferences(text, rowId, language, replaced);
 }
 
 CTableEvaluator::EvaluateResult

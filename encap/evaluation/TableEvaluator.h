@@ -55,6 +55,8 @@ public:
                                       DataTypes::ColumnFormulaType formulaType,
                                       DataTypes::ColumnDataType dataType, std::wstring_view rowId,
                                       const CString& units, CString& result);
+    EvaluateResult ReplaceReferences(std::wstring_view text, const CString& rowId,
+                                     const CString& language, CString& replaced);
     EvaluateResult CheckFormulaSyntax(const CString& formula,
                                       DataTypes::ColumnFormulaType formulaType,
                                       DataTypes::ColumnDataType dataType, const CString& units);

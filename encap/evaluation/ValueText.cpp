@@ -1,6 +1,7 @@
 #include "encap/evaluation/ValueText.h"
 
 #include "encap/foundation/NumberText.h"
+#include "encap/foundation/StringUtil.h"
 #include "encap/foundation/TextFormat.h"
 
 namespace encap {
@@ -28,9 +29,19 @@ CString UnitOrUnitless(const CString& unit)
     return unit.empty() ? CString(kUnitless) : unit;
 }
 
+bool AppendReferencedValue(CString& expression, const CString& value, const CString& unit)
+{
+    expression += value;
+    if (!CStringUtil::IsNumericValue(std::wstring_view(value))) {
+        return false;
+    }
+    unit.empty() ? expression += kUnitless : expression += unit;
+    return true;
+}
+
 void JoinTextPieces(std::wstring_view expression, CString& joined)
 {
-    if (expression.find_first_of(L"&\"") == std::wstring_view::npos) {
+    if (!HoldsEither(expression, L'&', L'"')) {
         joined = TrimView(expression);
         return;
     }

@@ -38,6 +38,10 @@ inline constexpr int kHostDigits = 6;
 /// The unit, or "ul" for an empty one.
 [[nodiscard]] CString UnitOrUnitless(const CString& unit);
 
+/// Appends a referenced value to a numeric expression: a number with its column's unit ("ul" for an
+/// empty one) directly behind it, any other text as it stands. Whether it is a number.
+bool AppendReferencedValue(CString& expression, const CString& value, const CString& unit);
+
 /// Joins a text expression at its "&": pieces are trimmed, doubled quote characters become one,
 /// single ones go. A text whose first piece is empty stays as it is.
 void JoinTextPieces(std::wstring_view expression, CString& joined);

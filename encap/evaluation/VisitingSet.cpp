@@ -25,11 +25,16 @@ void VisitingSet::Add(std::wstring_view rowId, CEncapFamilyColumn& column)
 
 void VisitingSet::Remove(std::wstring_view rowId, CEncapFamilyColumn& column)
 {
+    --TableAccess::Of(column).visiting;
+    const Cell& newest = m_cells.back();
+    if (newest.column == &column && newest.rowId.data() == rowId.data()) {
+        m_cells.pop_back();
+        return;
+    }
     const auto found = std::find_if(m_cells.rbegin(), m_cells.rend(), [&](const Cell& cell) {
         return cell.column == &column && cell.rowId == rowId;
     });
     m_cells.erase(std::next(found).base());
-    --TableAccess::Of(column).visiting;
 }
 
 } // namespace encap

@@ -7,6 +7,7 @@
 #include "encap/xml/QueryLiteral.h"
 
 #include <array>
+#include <exception>
 #include <string>
 
 namespace encap {
@@ -94,36 +95,46 @@ void ForEachGrandchild(IXMLDOMNode* parent, const Name& outer, const Name& inner
 
 } // namespace
 
-StringsDocument::Edit::Edit(StringsDocument& document) : m_document(document)
+StringsDocument::Edit::Edit(StringsDocument& document)
+    : m_document(document), m_exceptions(std::uncaught_exceptions())
 {
     m_document.DropIndexIfStale();
 }
 
 StringsDocument::Edit::~Edit()
 {
+    if (std::uncaught_exceptions() > m_exceptions) {
+        m_document.DropIndex(); // memory ran out between the document and the index
+    }
     m_document.m_indexedChange = ChangeCount(m_document.m_document);
 }
 
 void StringsDocument::DropIndexIfStale() const
 {
     if (m_indexedRoot.IsNode() && ChangeCount(m_document) != m_indexedChange) {
-        m_columns.clear();
-        m_indexedRoot = XMLNode();
+        DropIndex();
     }
+}
+
+void StringsDocument::DropIndex() const
+{
+    m_columns.clear();
+    m_indexedRoot = XMLNode();
 }
 
 void StringsDocument::IndexColumns() const
 {
-    m_indexedRoot = m_document.GetRootNode();
+    const XMLNode root = m_document.GetRootNode();
+    m_columns.clear(); // what a try left behind for which there was no memory
+    ForEachGrandchild(
+        Raw(root), vocabulary::kTable, vocabulary::kColumnStrings, [this](IXMLDOMNode* element) {
+            const std::string_view id = AttributeView(element, vocabulary::kColumnId.utf8);
+            if (id.data() != nullptr) {
+                m_columns[platform::Utf8ToWide(id)].elements.push_back(element);
+            }
+        });
+    m_indexedRoot = root;
     m_indexedChange = ChangeCount(m_document);
-    ForEachGrandchild(Raw(m_indexedRoot), vocabulary::kTable, vocabulary::kColumnStrings,
-                      [this](IXMLDOMNode* element) {
-                          const std::string_view id =
-                              AttributeView(element, vocabulary::kColumnId.utf8);
-                          if (id.data() != nullptr) {
-                              m_columns[platform::Utf8ToWide(id)].elements.push_back(element);
-                          }
-                      });
 }
 
 void StringsDocument::PrepareIndex() const
@@ -146,6 +157,8 @@ NodeIndex& StringsDocument::CellsOf(ColumnEntry& entry)
     if (entry.cellsKnown) {
         return entry.cells;
     }
+    entry.cells.Clear();
+    entry.rowsRepeat = false;
     for (IXMLDOMNode* element : entry.elements) {
         ForEachGrandchild(element, vocabulary::kRows, vocabulary::kCellString,
                           [&entry](IXMLDOMNode* cell) {

@@ -63,10 +63,12 @@ private:
 
     private:
         StringsDocument& m_document;
+        int m_exceptions; ///< in flight when it began
     };
 
     void PrepareIndex() const;
     void DropIndexIfStale() const;
+    void DropIndex() const;
     void IndexColumns() const;
     ColumnEntry* FindColumn(std::wstring_view column) const;
     ColumnEntry* GetOrAddColumn(const CString& column);

@@ -43,6 +43,12 @@ CString FormatText(std::wstring_view format, std::initializer_list<FormatArgumen
 
 std::wstring_view TrimView(std::wstring_view text)
 {
+    const auto isVisibleAscii = [](wchar_t character) {
+        return character > L' ' && character < L'\x7F';
+    };
+    if (!text.empty() && isVisibleAscii(text.front()) && isVisibleAscii(text.back())) {
+        return text;
+    }
     const std::size_t first = text.find_first_not_of(kWhiteSpace);
     if (first == std::wstring_view::npos) {
         return {};

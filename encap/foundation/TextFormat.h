@@ -2,6 +2,7 @@
 
 #include "encap/foundation/Types.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <string_view>
 
@@ -34,6 +35,13 @@ private:
 /// The library's one white space: the six characters that are white space in the "C" locale. The
 /// same on every platform and in every locale; other blanks of Unicode are text.
 inline constexpr std::wstring_view kWhiteSpace = L" \t\n\v\f\r";
+
+/// Whether one of two characters stands in the text.
+[[nodiscard]] inline bool HoldsEither(std::wstring_view text, wchar_t one, wchar_t other)
+{
+    return std::any_of(text.begin(), text.end(),
+                       [=](wchar_t character) { return character == one || character == other; });
+}
 
 /// The text without white space (kWhiteSpace) at both ends.
 [[nodiscard]] std::wstring_view TrimView(std::wstring_view text);

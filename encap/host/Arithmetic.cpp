@@ -1,5 +1,7 @@
 #include "encap/host/Arithmetic.h"
 
+#include "encap/host/Power.h"
+
 #include <cmath>
 #include <limits>
 
@@ -156,7 +158,7 @@ ErrorKind Arithmetic::Power(Value& base, const Value& exponent) const
     }
     // C gives 1 for NaN^0 and 1^NaN.
     const bool hasResult = !std::isnan(base.number) && !std::isnan(exponent.number);
-    base.number = hasResult ? FiniteOrNaN(std::pow(base.number, exponent.number))
+    base.number = hasResult ? FiniteOrNaN(encap::host::Power(base.number, exponent.number))
                             : std::numeric_limits<double>::quiet_NaN();
     return RaiseUnits(base, exponent.number);
 }

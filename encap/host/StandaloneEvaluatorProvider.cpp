@@ -36,6 +36,9 @@ struct StandaloneState {
     MaterialTable materials;
     EvaluationError attempt; // of the call that runs, here since clearing it would cost more
     EvaluationError error;   // of the last failed call
+    // The answer given last: its text is put together once for a table of lengths.
+    Dimensions databaseDimensions;
+    CString databaseUnit;
     // Made from the error when it is asked for: formulas that are tried with units first may fail
     // in every row of a table without anybody asking.
     CString sentence;
@@ -145,7 +148,11 @@ int32_t CStandaloneEvaluatorProvider::GetDatabaseUnit(const wchar_t* unit, CStri
     if (!m_state->units.FindText(ViewOf(unit), found, m_state->Begin())) {
         return m_state->KeepFailure();
     }
-    databaseUnit = found.dimensions.DatabaseUnit();
+    if (m_state->databaseUnit.empty() || m_state->databaseDimensions != found.dimensions) {
+        m_state->databaseUnit = found.dimensions.DatabaseUnit();
+        m_state->databaseDimensions = found.dimensions;
+    }
+    databaseUnit = m_state->databaseUnit;
     return StatusOK;
 }
 

@@ -1,5 +1,7 @@
 #include "encap/host/Unit.h"
 
+#include "encap/host/Power.h"
+
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -48,7 +50,7 @@ Scale Scale::Raised(double exponent) const
     const auto power = [exponent](double base) {
         return exponent == 0.5                          ? std::sqrt(base)
                : std::abs(exponent - 1.0 / 3.0) < 1e-12 ? std::cbrt(base)
-                                                        : std::pow(base, exponent);
+                                                        : Power(base, exponent);
     };
     return {power(numerator), power(denominator)};
 }

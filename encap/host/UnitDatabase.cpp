@@ -137,18 +137,27 @@ ut_status VisitGalilean(const ut_unit*, double scale, const ut_unit* underlying,
 
 } // namespace
 
+struct UnitDatabase::Content {
+    ut_system* system = nullptr;
+};
+
+UnitDatabase::UnitDatabase(std::string path)
+    : m_path(std::move(path)), m_content(std::make_unique<Content>())
+{
+}
+
 UnitDatabase::~UnitDatabase()
 {
-    if (m_system != nullptr) {
+    if (m_content->system != nullptr) {
         const UdunitsSession session;
-        ut_free_system(m_system);
+        ut_free_system(m_content->system);
     }
 }
 
 void UnitDatabase::Read()
 {
-    m_system = ut_read_xml(m_path.empty() ? nullptr : m_path.c_str());
-    m_state = m_system != nullptr ? State::Read : State::Missing;
+    m_content->system = ut_read_xml(m_path.empty() ? nullptr : m_path.c_str());
+    m_state = m_content->system != nullptr ? State::Read : State::Missing;
 }
 
 ErrorKind UnitDatabase::Find(std::wstring_view name, Unit& unit)
@@ -166,7 +175,8 @@ ErrorKind UnitDatabase::Find(std::wstring_view name, Unit& unit)
     if (m_state == State::Missing) {
         return ErrorKind::NoUnitDatabase;
     }
-    const std::unique_ptr<ut_unit, UnitDeleter> found(ut_parse(m_system, bytes.c_str(), UT_UTF8));
+    const std::unique_ptr<ut_unit, UnitDeleter> found(
+        ut_parse(m_content->system, bytes.c_str(), UT_UTF8));
     if (found == nullptr) {
         return ErrorKind::UnknownUnit;
     }

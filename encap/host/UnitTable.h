@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <unordered_map>
+#include <utility>
 
 namespace encap::host {
 
@@ -22,6 +23,10 @@ public:
     /// Null where the text is not in the cache; valid until the cache is destroyed.
     [[nodiscard]] const Value* Find(std::wstring_view text)
     {
+        if (m_last != nullptr && m_last->first == text) {
+            return &m_last->second;
+        }
+        std::swap(m_last, m_lastButOne);
         if (m_last != nullptr && m_last->first == text) {
             return &m_last->second;
         }
@@ -44,8 +49,10 @@ private:
     static constexpr std::size_t kLongestText = 256;
 
     std::unordered_map<CString, Value, WideHash, std::equal_to<>> m_values;
-    // The text asked for last, which the next question is mostly about too.
+    // The texts asked for last, which the next question is mostly about too: a column's unit and
+    // its database unit take turns.
     const std::pair<const CString, Value>* m_last = nullptr;
+    const std::pair<const CString, Value>* m_lastButOne = nullptr;
 };
 
 /// The units that a provider knows: "ul", "deg", "grad" and "rad" by definition, all others from

@@ -7,6 +7,8 @@
 #include <limits>
 #include <string>
 
+using encap::platform::Replacement;
+
 namespace {
 
 encap::ByteView View(const unsigned char* bytes, std::size_t size)
@@ -83,11 +85,12 @@ bool CDib::WriteFile(const wchar_t* file, const unsigned char* dib, std::size_t 
         Show(path, encap::IconMessage::WriteBitmap);
         return false;
     }
-    if (!encap::platform::ReplaceFileContent(path, bytes)) {
-        Show(path, encap::IconMessage::CreateBitmap);
-        return false;
+    const Replacement replacement = encap::platform::TryReplaceFile(path, bytes);
+    if (replacement != Replacement::Done) {
+        Show(path, replacement == Replacement::NotCreated ? encap::IconMessage::CreateBitmap
+                                                          : encap::IconMessage::WriteBitmap);
     }
-    return true;
+    return replacement == Replacement::Done;
 }
 
 std::vector<unsigned char> CDib::FromFileBytes(const unsigned char* bytes, std::size_t size)

@@ -5,11 +5,15 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
+#include <utility>
 
 namespace encap {
 namespace {
 
 constexpr uint32_t kAlpha = 0xFF000000;
+/// Where a mask is all the transparency there is, a pixel is seen or not.
+constexpr uint32_t kLeastVisibleAlpha = 128;
 
 /// The pixels of an icon image of rows: 32-bit pixels have their own alpha, unless it is zero all
 /// over; all others are opaque where the mask's bit is not set.
@@ -47,6 +51,21 @@ private:
     bool m_hasAlpha;
 };
 
+/// Decoded pixels. Refers to them.
+class GridPixels : public PixelSource {
+public:
+    explicit GridPixels(const PixelGrid& grid) : m_grid(grid) {}
+    [[nodiscard]] uint32_t Width() const override { return m_grid.width; }
+    [[nodiscard]] uint32_t Height() const override { return m_grid.height; }
+    [[nodiscard]] uint32_t At(uint32_t x, uint32_t y) const override
+    {
+        return m_grid.pixels[std::size_t{y} * m_grid.width + x];
+    }
+
+private:
+    const PixelGrid& m_grid;
+};
+
 BITMAPINFOHEADER* HeaderIn(unsigned char* bits)
 {
     // malloc aligns the bits for every type, and the header is their first part.
@@ -63,6 +82,44 @@ void MakeOpaque(std::vector<unsigned char>& dib)
     for (uint64_t at = RowsOffset(header) + 3; at < dib.size(); at += 4) {
         dib[at] = 0xFF;
     }
+}
+
+/// The mask rows of the pixels, the lowest first: set where the alpha is below the least one.
+std::vector<unsigned char> MaskRows(const PixelGrid& grid, uint32_t leastAlpha)
+{
+    const uint64_t perRow = BytesPerRow(grid.width, 1);
+    std::vector<unsigned char> rows(perRow * grid.height);
+    for (uint32_t y = 0; y < grid.height; ++y) {
+        unsigned char* const row = rows.data() + (grid.height - 1 - y) * perRow;
+        for (uint32_t x = 0; x < grid.width; ++x) {
+            if (grid.pixels[std::size_t{y} * grid.width + x] >> 24 < leastAlpha) {
+                row[x / 8] = static_cast<unsigned char>(row[x / 8] | 0x80 >> x % 8);
+            }
+        }
+    }
+    return rows;
+}
+
+/// Gives the image the rows of a new bitmap and their mask in place of its bits.
+bool ReplaceBits(ICONIMAGE& image, std::vector<unsigned char> dib,
+                 const std::vector<unsigned char>& mask)
+{
+    BitmapHeader header = ReadBitmapHeader(dib.data());
+    header.height *= 2;
+    WriteBitmapHeader(dib.data(), header);
+    dib.insert(dib.end(), mask.begin(), mask.end());
+    unsigned char* const oldBits = image.bits;
+    if (!CopyImageBits(image, dib)) {
+        return false;
+    }
+    std::free(oldBits);
+    return AdjustIconImagePointers(&image);
+}
+
+bool HasFormat(const PackedBitmap& bitmap, const BitmapFormat& format)
+{
+    return bitmap.Width() == format.width && bitmap.Height() == format.height &&
+           bitmap.BitsPerPixel() == format.bitsPerPixel;
 }
 
 bool AdjustPngPointers(ICONIMAGE& image)
@@ -135,6 +192,36 @@ std::optional<PixelGrid> HandlePixels(ByteView bits)
     return ScaleTo(pixels, kDefaultIconSide, kDefaultIconSide);
 }
 
+std::optional<PixelGrid> PixelsAt(ByteView bits, uint32_t width, uint32_t height)
+{
+    if (width == 0 || height == 0 || uint64_t{width} * height > kMaxHandlePixels) {
+        return std::nullopt;
+    }
+    if (IsPng(bits)) {
+        const std::optional<PixelGrid> grid = DecodePng(bits, kMaxHandlePixels);
+        return grid ? std::optional(ScaleTo(GridPixels(*grid), width, height)) : std::nullopt;
+    }
+    const std::optional<PackedBitmap> bitmap =
+        PackedBitmap::Open(bits, PackedBitmap::Rows::ColourHalf);
+    if (!bitmap || uint64_t{bitmap->Width()} * bitmap->Height() > kMaxHandlePixels) {
+        return std::nullopt;
+    }
+    return ScaleTo(MaskedPixels(*bitmap), width, height);
+}
+
+std::vector<unsigned char> PngOf(ByteView bits)
+{
+    if (IsPng(bits)) {
+        return ReadPngHeader(bits) ? std::vector<unsigned char>(bits.begin(), bits.end())
+                                   : std::vector<unsigned char>();
+    }
+    const std::optional<PackedBitmap> bitmap =
+        PackedBitmap::Open(bits, PackedBitmap::Rows::ColourHalf);
+    const std::optional<PixelGrid> grid =
+        bitmap ? PixelsAt(bits, bitmap->Width(), bitmap->Height()) : std::nullopt;
+    return grid ? EncodePng(*grid) : std::vector<unsigned char>();
+}
+
 std::vector<unsigned char> PackedBitmapOf(ByteView bits)
 {
     if (IsPng(bits)) {
@@ -163,16 +250,55 @@ bool SetImageFromBitmap(ICONIMAGE* image, ByteView dib, bool stretch)
         return false;
     }
     MakeOpaque(bits);
-    BitmapHeader header = ReadBitmapHeader(bits.data());
-    header.height *= 2;
-    WriteBitmapHeader(bits.data(), header);
-    bits.resize(bits.size() + BytesPerRow(format.width, 1) * format.height);
-    unsigned char* const oldBits = image->bits;
-    if (!CopyImageBits(*image, bits)) {
+    const std::vector<unsigned char> mask(BytesPerRow(format.width, 1) * format.height);
+    return ReplaceBits(*image, std::move(bits), mask);
+}
+
+bool SetImageFromPng(ICONIMAGE* image, ByteView png)
+{
+    if (image == nullptr || png.size() > std::numeric_limits<uint32_t>::max()) {
         return false;
     }
-    std::free(oldBits);
+    ICONIMAGE made{};
+    if (!ReadPngHeader(png) || png.size() < kBitmapHeaderBytes || !CopyImageBits(made, png)) {
+        return false;
+    }
+    std::free(image->bits);
+    *image = made;
     return AdjustIconImagePointers(image);
+}
+
+bool SetImageFromImage(ICONIMAGE* image, ByteView source)
+{
+    if (image == nullptr || !IsBitmapDepth(image->colours)) {
+        return false;
+    }
+    const BitmapFormat format{image->width, image->height, image->colours};
+    const std::optional<PackedBitmap> rows =
+        PackedBitmap::Open(source, PackedBitmap::Rows::ColourHalf);
+    if (rows && HasFormat(*rows, format)) {
+        ICONIMAGE made{};
+        if (!CopyImageBits(made, source)) {
+            return false;
+        }
+        std::free(image->bits);
+        *image = made;
+        return AdjustIconImagePointers(image);
+    }
+    std::optional<PixelGrid> grid = PixelsAt(source, format.width, format.height);
+    if (!grid) {
+        return false;
+    }
+    const bool hasAlpha = format.bitsPerPixel == 32;
+    const std::vector<unsigned char> mask = MaskRows(*grid, hasAlpha ? 1 : kLeastVisibleAlpha);
+    for (uint32_t& pixel : grid->pixels) {
+        // Under the mask a colour other than black would invert what is behind it.
+        pixel = hasAlpha || pixel >> 24 >= kLeastVisibleAlpha ? pixel : 0;
+    }
+    const std::vector<uint32_t> palette =
+        rows ? TargetPalette(*rows, format.bitsPerPixel) : DefaultPalette(format.bitsPerPixel);
+    std::vector<unsigned char> dib = PackPixels(*grid, format.bitsPerPixel, palette);
+    return !dib.empty() && ReplaceBits(*image, std::move(dib), mask);
 }
 
 } // namespace encap

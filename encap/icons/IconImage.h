@@ -28,6 +28,14 @@ inline constexpr uint32_t kDefaultIconSide = 32;
 /// a handle may be and not of 16 bits. Nothing when its rows are damaged or the limit is passed.
 [[nodiscard]] std::optional<PixelGrid> HandlePixels(ByteView bits);
 
+/// The image with its transparency at another size, averaged over areas; nothing when its rows are
+/// damaged, or either side has no pixels or more than a handle may have.
+[[nodiscard]] std::optional<PixelGrid> PixelsAt(ByteView bits, uint32_t width, uint32_t height);
+
+/// The image as a whole PNG file: as it is, or made of its pixels and transparency. Empty where
+/// PixelsAt gives nothing at the image's own size.
+[[nodiscard]] std::vector<unsigned char> PngOf(ByteView bits);
+
 /// The image as a packed bitmap: its bytes with the header's height halved, so that the colour rows
 /// alone are the bitmap; the mask rows stay behind it. A PNG image gives its 32-bit pixels. Empty
 /// when the rows are damaged.
@@ -37,5 +45,10 @@ inline constexpr uint32_t kDefaultIconSide = 32;
 /// bits are freed. False, with the image left as it was, when it is null, the bitmap is damaged or
 /// the format impossible.
 [[nodiscard]] bool SetImageFromBitmap(ICONIMAGE* image, ByteView dib, bool stretch);
+/// Gives the image the bytes of a whole PNG file. False as above when they are none, or too long.
+[[nodiscard]] bool SetImageFromPng(ICONIMAGE* image, ByteView png);
+/// As SetImageFromBitmap for the bits of another image, with its transparency; its rows as they are
+/// when they have the format.
+[[nodiscard]] bool SetImageFromImage(ICONIMAGE* image, ByteView source);
 
 } // namespace encap

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "encap/foundation/Export.h"
+#include "encap/foundation/Types.h"
 #include "encap/platform/IconHandles.h"
 
 #include <cstdint>
+#include <memory>
 
 // The records in which icons are handed over. A record and the bits of its images come from malloc
 // and belong to the caller: free each image's bits, then the record, with std::free, or both with
@@ -50,3 +52,15 @@ enum Error_ReadIconFromICOFile : int32_t {
 
 /// Frees the bits of all images and the record; null is allowed.
 ENCAP_API void FreeIconResource(ICONRESOURCE* icon);
+
+/// Owns a record and its images.
+struct IconResourceDeleter {
+    void operator()(ICONRESOURCE* icon) const { FreeIconResource(icon); }
+};
+using IconResourceOwner = std::unique_ptr<ICONRESOURCE, IconResourceDeleter>;
+
+/// One icon group of an executable.
+struct NamedIconResource {
+    CString name;           ///< as ReadIconFromEXEFile takes it: a text, or "#12" for a number
+    IconResourceOwner icon; ///< null when the group or one of its images is missing or damaged
+};

@@ -80,37 +80,31 @@ int WriteIcoFile(const std::vector<const ICONIMAGE*>& images, const CString& pat
     if (build != IcoBuild::Done) {
         return 0;
     }
-    if (!platform::ReplaceFileContent(path, bytes)) {
+    switch (platform::TryReplaceFile(path, bytes)) {
+    case platform::Replacement::Done: return 1;
+    case platform::Replacement::NotCreated:
         ShowIconMessage(path, IconMessage::CreateIconFile);
         return 0;
+    case platform::Replacement::NotBegun:
+        ShowIconMessage(path, IconMessage::WriteIconHeader);
+        return 0;
+    default: return 0; // a write that ends too early has no message
     }
-    return 1;
 }
 
-/// A group and the tree that its images are found in.
-struct IconGroup {
-    PeResources resources;
-    std::vector<IconGroupEntry> entries;
+using GroupEntries = std::vector<IconGroupEntry>;
 
-    [[nodiscard]] std::optional<ByteView> ImageBytes(const IconGroupEntry& entry) const
-    {
-        return resources.Find(kIconResourceType, {entry.imageId, {}});
-    }
-};
+std::optional<ByteView> ImageBytes(const PeResources& resources, const IconGroupEntry& entry)
+{
+    return resources.Find(kIconResourceType, {entry.imageId, {}});
+}
 
-std::optional<IconGroup> FindGroup(PeResources resources, const wchar_t* groupName)
+std::optional<GroupEntries> FindGroup(const PeResources& resources, const wchar_t* groupName)
 {
     const std::optional<ResourceName> name = ResourceName::FromPointer(groupName);
-    if (!name) {
-        return std::nullopt;
-    }
-    const std::optional<ByteView> bytes = resources.Find(kIconGroupResourceType, *name);
-    std::optional<std::vector<IconGroupEntry>> entries =
-        bytes ? ReadIconGroup(*bytes) : std::nullopt;
-    if (!entries) {
-        return std::nullopt;
-    }
-    return IconGroup{std::move(resources), std::move(*entries)};
+    const std::optional<ByteView> bytes =
+        name ? resources.Find(kIconGroupResourceType, *name) : std::nullopt;
+    return bytes ? ReadIconGroup(*bytes) : std::nullopt;
 }
 
 void ShowTwice(const CString& path, IconMessage inDoubleBytes, IconMessage message)
@@ -119,23 +113,61 @@ void ShowTwice(const CString& path, IconMessage inDoubleBytes, IconMessage messa
     ShowIconMessage(path, message);
 }
 
-/// Copies every image of the group into the record; shows a malformed one.
-bool CopyImages(const IconGroup& group, ICONRESOURCE& icon, uint64_t budget, const CString& path)
+/// The resources of the file, whose bytes must outlive them; shows when there are none to be had.
+std::optional<PeResources> OpenResources(const CString& path, std::string& bytes)
 {
-    for (std::size_t index = 0; index < group.entries.size(); ++index) {
-        ICONIMAGE& image = ImagesOf(icon)[index];
-        const std::optional<ByteView> bytes = group.ImageBytes(group.entries[index]);
-        if (!bytes || bytes->size() > budget || !CopyImageBits(image, *bytes)) {
-            return false;
+    const bool isRead = platform::ReadWholeFile(path, bytes);
+    std::optional<PeResources> resources =
+        isRead ? PeResources::Open(AsBytes(bytes)) : std::nullopt;
+    if (!resources) {
+        ShowTwice(path, IconMessage::LoadExecutableInDoubleBytes, IconMessage::LoadExecutable);
+    }
+    return resources;
+}
+
+enum class GroupReading { Done, NoMemory, Missing, PastLimit, Malformed };
+
+/// Takes the amount from the budget; false, with nothing left, when there is less.
+bool Charge(uint64_t& budget, uint64_t amount)
+{
+    const bool fits = amount <= budget;
+    budget = fits ? budget - amount : 0;
+    return fits;
+}
+
+/// Copies every image of the group into a new record.
+GroupReading ReadImages(const PeResources& resources, const GroupEntries& entries, uint64_t& budget,
+                        OwnedIcon& icon)
+{
+    OwnedIcon made = MakeIconRecord(static_cast<uint32_t>(entries.size()));
+    if (made == nullptr) {
+        return GroupReading::NoMemory;
+    }
+    for (std::size_t index = 0; index < entries.size(); ++index) {
+        ICONIMAGE& image = ImagesOf(*made)[index];
+        const std::optional<ByteView> bytes = ImageBytes(resources, entries[index]);
+        if (!bytes) {
+            return GroupReading::Missing;
         }
-        budget -= bytes->size();
+        if (!Charge(budget, bytes->size())) {
+            return GroupReading::PastLimit;
+        }
+        if (!CopyImageBits(image, *bytes)) {
+            return GroupReading::Missing;
+        }
         if (!AdjustIconImagePointers(&image)) {
-            ShowTwice(path, IconMessage::TransformResourceInDoubleBytes,
-                      IconMessage::TransformResource);
-            return false;
+            return GroupReading::Malformed;
         }
     }
-    return true;
+    icon = std::move(made);
+    return GroupReading::Done;
+}
+
+/// Bytes of a record and of its group's name.
+uint64_t RecordBytes(const NamedIconResource& named, std::size_t imageCount)
+{
+    return sizeof named + named.name.size() * sizeof(wchar_t) + sizeof(ICONRESOURCE) +
+           imageCount * sizeof(ICONIMAGE);
 }
 
 } // namespace
@@ -198,43 +230,88 @@ ICONRESOURCE* CIcons::ReadIconFromEXEFile(const wchar_t* file, const wchar_t* gr
 {
     const CString path = PathOf(file);
     std::string bytes;
-    const bool isRead = platform::ReadWholeFile(path, bytes);
-    std::optional<PeResources> resources = PeResources::Open(AsBytes(bytes));
-    if (!isRead || !resources) {
-        ShowTwice(path, IconMessage::LoadExecutableInDoubleBytes, IconMessage::LoadExecutable);
-        return nullptr;
-    }
-    const std::optional<IconGroup> group = FindGroup(std::move(*resources), groupName);
+    const std::optional<PeResources> resources = OpenResources(path, bytes);
+    const std::optional<GroupEntries> group =
+        resources ? FindGroup(*resources, groupName) : std::nullopt;
     if (!group) {
         return nullptr;
     }
-    OwnedIcon icon = MakeIconRecord(static_cast<uint32_t>(group->entries.size()));
-    if (icon == nullptr) {
-        ShowIconMessage(path, IconMessage::AllocateExecutableIcon);
-        return nullptr;
+    OwnedIcon icon;
+    uint64_t budget = bytes.size() * kMaxImageBytesPerFileByte;
+    switch (ReadImages(*resources, *group, budget, icon)) {
+    case GroupReading::Done: CopyFileName(icon->exeFileName, path); break;
+    case GroupReading::NoMemory: ShowIconMessage(path, IconMessage::AllocateExecutableIcon); break;
+    case GroupReading::Malformed:
+        ShowTwice(path, IconMessage::TransformResourceInDoubleBytes,
+                  IconMessage::TransformResource);
+        break;
+    default: break;
     }
-    CopyFileName(icon->exeFileName, path);
-    const uint64_t budget = bytes.size() * kMaxImageBytesPerFileByte;
-    return CopyImages(*group, *icon, budget, path) ? icon.release() : nullptr;
+    return icon.release();
+}
+
+bool CIcons::ReadIconsFromEXEFile(const wchar_t* file, std::vector<NamedIconResource>& icons) const
+{
+    icons.clear();
+    const CString path = PathOf(file);
+    std::string bytes;
+    const std::optional<PeResources> resources = OpenResources(path, bytes);
+    if (!resources) {
+        return false;
+    }
+    uint64_t budget = bytes.size() * kMaxImageBytesPerFileByte;
+    const auto read = [&](const ResourceName& name, std::optional<ByteView> group) {
+        NamedIconResource& named = icons.emplace_back();
+        named.name = name.AsText();
+        const std::optional<GroupEntries> entries = group ? ReadIconGroup(*group) : std::nullopt;
+        if (!Charge(budget, RecordBytes(named, entries ? entries->size() : 0))) {
+            return false;
+        }
+        if (!entries) {
+            return true;
+        }
+        const GroupReading reading = ReadImages(*resources, *entries, budget, named.icon);
+        if (reading == GroupReading::Done) {
+            CopyFileName(named.icon->exeFileName, path);
+        }
+        return reading != GroupReading::PastLimit;
+    };
+    resources->ForEach(kIconGroupResourceType, read);
+    return true;
 }
 
 HICON CIcons::GetIconFromInstance(HINSTANCE executable, const wchar_t* groupName) const
 {
     std::string storage;
     const std::string_view bytes = platform::ExecutableContent(executable, storage);
-    std::optional<PeResources> resources = PeResources::Open(AsBytes(bytes));
-    if (!resources) {
-        return nullptr;
-    }
-    const std::optional<IconGroup> group = FindGroup(std::move(*resources), groupName);
-    const IconGroupEntry* best = group ? BestIcon(group->entries) : nullptr;
-    const std::optional<ByteView> image = best != nullptr ? group->ImageBytes(*best) : std::nullopt;
+    const std::optional<PeResources> resources = PeResources::Open(AsBytes(bytes));
+    const std::optional<GroupEntries> group =
+        resources ? FindGroup(*resources, groupName) : std::nullopt;
+    const IconGroupEntry* best = group ? BestIcon(*group) : nullptr;
+    const std::optional<ByteView> image =
+        best != nullptr ? ImageBytes(*resources, *best) : std::nullopt;
     return image ? MakeHandle(*image) : nullptr;
 }
 
 HICON CIcons::MakeIconFromResource(const ICONIMAGE* image) const
 {
     return MakeHandle(BitsOf(image));
+}
+
+int CIcons::ConvertIconImage(ICONIMAGE* image, const ICONIMAGE* source) const
+{
+    return SetImageFromImage(image, BitsOf(source)) ? 1 : 0;
+}
+
+int CIcons::IconImageFromPNG(ICONIMAGE* image, const unsigned char* png, std::size_t size) const
+{
+    const ByteView bytes = png != nullptr ? ByteView(png, size) : ByteView();
+    return SetImageFromPng(image, bytes) ? 1 : 0;
+}
+
+std::vector<unsigned char> CIcons::IconImageToPNG(const ICONIMAGE* image) const
+{
+    return PngOf(BitsOf(image));
 }
 
 int CIcons::IconImageToClipBoard(const ICONIMAGE* image) const

@@ -35,9 +35,10 @@ public:
                                                     Error_ReadIconFromICOFile& error) const;
 
     /// Writes the images in their order in place of an old file; nonzero on success. Shows when the
-    /// file cannot be created, or has more images than its header can count (65535). A null icon, a
-    /// null image, or an image without a whole header gives 0 without a message. PNG images are
-    /// written byte for byte. A failed write leaves an old file as it was.
+    /// file cannot be created, when nothing can be written to it, or when it has more images than
+    /// its header can count (65535). A write that fails later, a null icon, a null image, or an
+    /// image without a whole header gives 0 without a message. PNG images are written byte for
+    /// byte. A failed write leaves an old file as it was.
     int WriteIconToICOFile(const ICONRESOURCE* icon, const wchar_t* file) const;
     int WriteIconToICOFile(const std::vector<ICONIMAGE*>& images, const wchar_t* file) const;
 
@@ -55,6 +56,12 @@ public:
     /// missing or damaged gives null without a message.
     [[nodiscard]] ICONRESOURCE* ReadIconFromEXEFile(const wchar_t* file,
                                                     const wchar_t* groupName) const;
+    /// All groups of the file in its order: those named by text first. True, with no groups where
+    /// there are none, unless the file cannot be read, which shows the two messages. Damaged groups
+    /// are there without an icon and show nothing. All records and names together are limited as
+    /// the images of one icon are: the group that passes the limit has no icon and is the last.
+    [[nodiscard]] bool ReadIconsFromEXEFile(const wchar_t* file,
+                                            std::vector<NamedIconResource>& icons) const;
     /// A handle for the group's image that is nearest to 32 x 32 pixels, the deepest of those up to
     /// 32 bits per pixel; the caller releases it. Null, without a message, if anything is missing.
     [[nodiscard]] HICON GetIconFromInstance(HINSTANCE executable, const wchar_t* groupName) const;
@@ -81,4 +88,17 @@ public:
     /// Shows what fails in the file, as CDib does.
     int IconImageFromBMPFile(const wchar_t* file, ICONIMAGE* image, int stretch) const;
     int IconImageToBMPFile(const wchar_t* file, const ICONIMAGE* image) const;
+
+    // Images with their transparency; targets as above, results and sources of at most 4 Mi pixels.
+
+    /// Fills the image with another's pixels and transparency. Another size is averaged over areas,
+    /// colours weighed by alpha. At 32 bits the alpha is kept; below, pixels of less than half of
+    /// it are transparent. A source of rows that has the format already is copied as it is.
+    int ConvertIconImage(ICONIMAGE* image, const ICONIMAGE* source) const;
+    /// Makes the image of a whole PNG file, kept byte for byte: sets width, height and colours.
+    /// Looks at its first chunk only; 0 when that is not there.
+    int IconImageFromPNG(ICONIMAGE* image, const unsigned char* png, std::size_t size) const;
+    /// The image as a whole PNG file: a PNG image as it is, another at 32 bits per pixel. Empty
+    /// when it is damaged.
+    [[nodiscard]] std::vector<unsigned char> IconImageToPNG(const ICONIMAGE* image) const;
 };

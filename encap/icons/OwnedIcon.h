@@ -3,16 +3,12 @@
 #include "encap/icons/Bytes.h"
 #include "encap/icons/IconRecords.h"
 
-#include <memory>
 #include <string_view>
 
 // Icon records under construction.
 namespace encap {
 
-struct IconResourceDeleter {
-    void operator()(ICONRESOURCE* icon) const { FreeIconResource(icon); }
-};
-using OwnedIcon = std::unique_ptr<ICONRESOURCE, IconResourceDeleter>;
+using OwnedIcon = IconResourceOwner;
 
 /// The images of a file may share bytes, so together they may be longer than the file, but not than
 /// so many times its length: a small file must not ask for unlimited memory.

@@ -99,6 +99,11 @@ std::optional<ResourceName> ResourceName::FromPointer(const wchar_t* name)
     return ResourceName{static_cast<uint16_t>(*number), {}};
 }
 
+CString ResourceName::AsText() const
+{
+    return text.empty() ? L'#' + FormatInteger(number) : text;
+}
+
 std::optional<PeResources> PeResources::Open(ByteView file)
 {
     PeResources resources(file);
@@ -210,15 +215,25 @@ std::optional<uint32_t> PeResources::FindText(uint32_t directory, const CString&
 // The length is compared first: many entries may share one very long text.
 bool PeResources::IsText(uint32_t offset, const CString& text, std::size_t unitCount) const
 {
-    if (!Holds(m_tree, offset, 2) || ReadU16(m_tree.data() + offset) != unitCount ||
-        !Holds(m_tree, uint64_t{offset} + 2, unitCount * 2)) {
+    if (!Holds(m_tree, offset, 2) || ReadU16(m_tree.data() + offset) != unitCount) {
         return false;
+    }
+    const std::optional<CString> stored = TextAt(offset);
+    return stored && EqualNoCase(*stored, text);
+}
+
+std::optional<CString> PeResources::TextAt(uint32_t offset) const
+{
+    const std::size_t unitCount =
+        Holds(m_tree, offset, 2) ? ReadU16(m_tree.data() + offset) : std::size_t{0};
+    if (unitCount == 0 || !Holds(m_tree, uint64_t{offset} + 2, unitCount * 2)) {
+        return std::nullopt;
     }
     std::u16string units;
     for (std::size_t index = 0; index < unitCount; ++index) {
         units.push_back(static_cast<char16_t>(ReadU16(m_tree.data() + offset + 2 + index * 2)));
     }
-    return EqualNoCase(platform::Utf16ToWide(units), text);
+    return platform::Utf16ToWide(units);
 }
 
 std::optional<uint32_t> PeResources::FirstEntry(uint32_t directory) const
@@ -236,18 +251,36 @@ std::optional<ByteView> PeResources::Find(uint16_t type, const ResourceName& nam
     if (!names) {
         return std::nullopt;
     }
-    const std::optional<uint32_t> languages = Subdirectory(
-        name.text.empty() ? FindNumber(*names, name.number) : FindText(*names, name.text));
-    if (!languages) {
-        return std::nullopt;
-    }
-    const std::optional<uint32_t> data = FirstEntry(*languages);
+    return FirstLanguage(Subdirectory(name.text.empty() ? FindNumber(*names, name.number)
+                                                        : FindText(*names, name.text)));
+}
+
+std::optional<ByteView> PeResources::FirstLanguage(std::optional<uint32_t> languages) const
+{
+    const std::optional<uint32_t> data = languages ? FirstEntry(*languages) : std::nullopt;
     if (!data || (*data & kHighBit) != 0 || !Holds(m_tree, *data, kDataEntryBytes)) {
         return std::nullopt;
     }
     const ByteView bytes = BytesAt(ReadU32(m_tree.data() + *data));
     const uint32_t byteCount = ReadU32(m_tree.data() + *data + 4);
     return Holds(bytes, 0, byteCount) ? std::optional(bytes.first(byteCount)) : std::nullopt;
+}
+
+void PeResources::ForEach(uint16_t type, const Visitor& visit) const
+{
+    const std::optional<uint32_t> names = Subdirectory(FindNumber(0, type));
+    const EntryCounts counts = names ? CountsOf(m_tree, *names) : EntryCounts();
+    for (uint32_t index = 0; index < counts.texts + counts.numbers; ++index) {
+        const unsigned char* entry = EntryAt(m_tree, *names, index);
+        const uint32_t id = ReadU32(entry);
+        const bool isText = index < counts.texts;
+        const std::optional<CString> text = isText ? TextAt(id & ~kHighBit) : CString();
+        const ResourceName name{static_cast<uint16_t>(isText ? 0 : id), text.value_or(L"")};
+        const bool isNamed = isText ? text.has_value() : id == name.number;
+        if (isNamed && !visit(name, FirstLanguage(Subdirectory(ReadU32(entry + 4))))) {
+            return;
+        }
+    }
 }
 
 std::optional<std::vector<IconGroupEntry>> ReadIconGroup(ByteView group)

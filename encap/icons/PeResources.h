@@ -4,6 +4,7 @@
 #include "encap/icons/Bytes.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct ResourceName {
     /// The name that a caller passes: a pointer below 0x10000 is the number itself, a text "#12" is
     /// the number 12. Nothing for null, the empty text and "#" without a number below 0x10000.
     static std::optional<ResourceName> FromPointer(const wchar_t* name);
+    /// The text that a caller passes for the name.
+    [[nodiscard]] CString AsText() const;
 };
 
 /// The resource tree of one file. It refers to the file's bytes. The tree has exactly three levels
@@ -35,6 +38,12 @@ public:
     /// The bytes of a resource in its first language (the neutral one where there is one). Nothing
     /// when it is missing or any step on the way, or its bytes, lie outside the file.
     [[nodiscard]] std::optional<ByteView> Find(uint16_t type, const ResourceName& name) const;
+
+    /// Takes the name of a resource and its bytes as Find gives them; false for no more.
+    using Visitor = std::function<bool(const ResourceName& name, std::optional<ByteView> bytes)>;
+    /// Hands over every resource of a type in the order of the tree: text names, then numbers. One
+    /// whose name lies outside the file is left out.
+    void ForEach(uint16_t type, const Visitor& visit) const;
 
 private:
     struct Section {
@@ -53,6 +62,9 @@ private:
     [[nodiscard]] std::optional<uint32_t> FindText(uint32_t directory, const CString& text) const;
     [[nodiscard]] std::optional<uint32_t> FirstEntry(uint32_t directory) const;
     [[nodiscard]] bool IsText(uint32_t offset, const CString& text, std::size_t unitCount) const;
+    [[nodiscard]] std::optional<CString> TextAt(uint32_t offset) const;
+    /// The bytes that a directory of languages leads to.
+    [[nodiscard]] std::optional<ByteView> FirstLanguage(std::optional<uint32_t> languages) const;
 
     ByteView m_file;
     ByteView m_tree;                 ///< from the root directory to the end of its section

@@ -161,23 +161,6 @@ bool KeepsPalette(const PackedBitmap& source, uint32_t bitsPerPixel)
     return source.BitsPerPixel() == bitsPerPixel && (bitsPerPixel == 4 || bitsPerPixel == 8);
 }
 
-std::vector<uint32_t> TargetPalette(const PackedBitmap& source, uint32_t bitsPerPixel)
-{
-    std::vector<uint32_t> palette;
-    if (KeepsPalette(source, bitsPerPixel)) {
-        for (uint32_t index = 0; index < 1U << bitsPerPixel; ++index) {
-            palette.push_back(source.PaletteColour(index));
-        }
-    } else if (bitsPerPixel == 1) {
-        palette.assign(kBlackAndWhite.begin(), kBlackAndWhite.end());
-    } else if (bitsPerPixel == 4) {
-        palette.assign(kDefaultPalette16.begin(), kDefaultPalette16.end());
-    } else if (bitsPerPixel == 8) {
-        palette.assign(kHalftonePalette256.begin(), kHalftonePalette256.end());
-    }
-    return palette;
-}
-
 void CopyTopLeft(const PackedBitmap& source, const BitmapFormat& format, BitmapWriter& target)
 {
     const bool sameTable = KeepsPalette(source, format.bitsPerPixel);
@@ -256,6 +239,28 @@ uint32_t NearestColour(std::span<const uint32_t> palette, uint32_t colour)
     return static_cast<uint32_t>(nearest - palette.begin());
 }
 
+std::vector<uint32_t> DefaultPalette(uint32_t bitsPerPixel)
+{
+    switch (bitsPerPixel) {
+    case 1: return {kBlackAndWhite.begin(), kBlackAndWhite.end()};
+    case 4: return {kDefaultPalette16.begin(), kDefaultPalette16.end()};
+    case 8: return {kHalftonePalette256.begin(), kHalftonePalette256.end()};
+    default: return {};
+    }
+}
+
+std::vector<uint32_t> TargetPalette(const PackedBitmap& source, uint32_t bitsPerPixel)
+{
+    if (!KeepsPalette(source, bitsPerPixel)) {
+        return DefaultPalette(bitsPerPixel);
+    }
+    std::vector<uint32_t> palette;
+    for (uint32_t index = 0; index < 1U << bitsPerPixel; ++index) {
+        palette.push_back(source.PaletteColour(index));
+    }
+    return palette;
+}
+
 std::vector<unsigned char> ConvertBitmap(const PackedBitmap& source, const BitmapFormat& format,
                                          bool stretch)
 {
@@ -273,13 +278,14 @@ std::vector<unsigned char> ConvertBitmap(const PackedBitmap& source, const Bitma
     return target.Take();
 }
 
-std::vector<unsigned char> PackPixels(const PixelGrid& grid)
+std::vector<unsigned char> PackPixels(const PixelGrid& grid, uint32_t bitsPerPixel,
+                                      std::span<const uint32_t> palette)
 {
-    const BitmapFormat format{grid.width, grid.height, 32};
+    const BitmapFormat format{grid.width, grid.height, bitsPerPixel};
     if (!Fits(format)) {
         return {};
     }
-    BitmapWriter target(format, {});
+    BitmapWriter target(format, palette);
     for (uint32_t y = 0; y < grid.height; ++y) {
         for (uint32_t x = 0; x < grid.width; ++x) {
             target.SetColour(x, y, grid.pixels[std::size_t{y} * grid.width + x]);

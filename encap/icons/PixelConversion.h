@@ -54,7 +54,16 @@ struct BitmapFormat {
 [[nodiscard]] std::vector<unsigned char> ConvertBitmap(const PackedBitmap& source,
                                                        const BitmapFormat& format, bool stretch);
 
-/// The pixels as a packed 32-bit bitmap with alpha; empty above 2 GiB.
-[[nodiscard]] std::vector<unsigned char> PackPixels(const PixelGrid& grid);
+/// The colour table that the source gets at another depth: black and white at 1 bit; at 4 and 8
+/// bits the source's at equal depth, else the default one; empty above 8 bits.
+[[nodiscard]] std::vector<uint32_t> TargetPalette(const PackedBitmap& source,
+                                                  uint32_t bitsPerPixel);
+[[nodiscard]] std::vector<uint32_t> DefaultPalette(uint32_t bitsPerPixel);
+
+/// The pixels as a packed bitmap in the nearest colours of the table, which is needed at 8 bits and
+/// below; at 32 bits with alpha. Empty where ConvertBitmap is.
+[[nodiscard]] std::vector<unsigned char> PackPixels(const PixelGrid& grid,
+                                                    uint32_t bitsPerPixel = 32,
+                                                    std::span<const uint32_t> palette = {});
 
 } // namespace encap

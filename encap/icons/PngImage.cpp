@@ -82,4 +82,28 @@ std::optional<PixelGrid> DecodePng(ByteView bytes, uint64_t maxPixels)
     return grid;
 }
 
+std::vector<unsigned char> EncodePng(const PixelGrid& grid)
+{
+    std::vector<unsigned char> raw(grid.pixels.size() * 4);
+    for (std::size_t index = 0; index < grid.pixels.size(); ++index) {
+        WriteU32(raw.data() + index * 4, grid.pixels[index]);
+    }
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = grid.width;
+    image.height = grid.height;
+    image.format = PNG_FORMAT_BGRA;
+    const std::unique_ptr<png_image, PngImageRelease> release(&image);
+    png_alloc_size_t size = 0;
+    if (png_image_write_to_memory(&image, nullptr, &size, 0, raw.data(), 0, nullptr) == 0) {
+        return {};
+    }
+    std::vector<unsigned char> png(size);
+    if (png_image_write_to_memory(&image, png.data(), &size, 0, raw.data(), 0, nullptr) == 0) {
+        return {};
+    }
+    png.resize(size);
+    return png;
+}
+
 } // namespace encap

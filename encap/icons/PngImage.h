@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 // Icon images that are stored as whole PNG images.
 namespace encap {
@@ -23,5 +24,8 @@ struct PngHeader {
 /// The pixels as 8-bit sRGB with straight alpha; nothing when the image is damaged or has more than
 /// maxPixels, which is seen before memory is asked for.
 [[nodiscard]] std::optional<PixelGrid> DecodePng(ByteView bytes, uint64_t maxPixels);
+/// A PNG image of the pixels at 8 bits a channel, alpha included (some readers of icons take no
+/// other); empty without pixels.
+[[nodiscard]] std::vector<unsigned char> EncodePng(const PixelGrid& grid);
 
 } // namespace encap

@@ -3,9 +3,12 @@
 #include "encap/family/Vocabulary.h"
 #include "encap/xml/NodeAccess.h"
 
+#include <exception>
+
 namespace encap {
 
-ChangeClock::OwnEdit::OwnEdit(ChangeClock& clock) : m_clock(clock)
+ChangeClock::OwnEdit::OwnEdit(ChangeClock& clock)
+    : m_clock(clock), m_exceptions(std::uncaught_exceptions())
 {
     // What others did before shows in the reading now: it must not pass as part of this edit.
     static_cast<void>(m_clock.Reading());
@@ -14,6 +17,9 @@ ChangeClock::OwnEdit::OwnEdit(ChangeClock& clock) : m_clock(clock)
 
 ChangeClock::OwnEdit::~OwnEdit()
 {
+    if (std::uncaught_exceptions() > m_exceptions) {
+        ++m_clock.m_reading; // memory ran out: what was kept in step may not be
+    }
     m_clock.m_seen = m_clock.Count();
     --m_clock.m_ownEdits;
 }

@@ -21,6 +21,7 @@ public:
 
     private:
         ChangeClock& m_clock;
+        int m_exceptions; ///< in flight when it began
     };
 
     ChangeClock() = default;

@@ -7,7 +7,9 @@
 #include "encap/foundation/NullText.h"
 #include "encap/mapping/MapEdit.h"
 #include "encap/mapping/MapWalk.h"
+#include "encap/platform/Encoding.h"
 #include "encap/table/FamilyColumn.h"
+#include "encap/xml/Texts.h"
 
 #include <algorithm>
 
@@ -52,21 +54,23 @@ const std::vector<CString>& CEncapFamilyMapping::GetTemplateNames() const
 
 CEncapFamilyTemplate* CEncapFamilyMapping::AddFamilyTemplate(const CString& name)
 {
-    if (name.empty()) {
+    // The document's spelling counts: it holds no character that XML forbids.
+    const CString spelled = platform::Utf8ToWide(DocumentText(name.c_str()));
+    if (spelled.empty()) {
         return nullptr;
     }
-    if (CEncapFamilyTemplate* known = Find(m_templates, name)) {
+    if (CEncapFamilyTemplate* known = Find(m_templates, spelled)) {
         return known;
     }
     EnsureNodes();
     MapEdit edit(m_index.get());
     const XMLNode node = m_templatesNode.AddNode(vocabulary::kFamilyTemplate, nullptr,
-                                                 vocabulary::kName, name.c_str());
+                                                 vocabulary::kName, spelled.c_str());
     if (!node.IsNode()) {
         return nullptr;
     }
     edit.Added(node);
-    return EnterTemplate(name, node);
+    return EnterTemplate(spelled, node);
 }
 
 void CEncapFamilyMapping::GetTemplateFileName(CString& fileName) const
@@ -179,10 +183,14 @@ void CEncapFamilyMapping::LoadTemplates()
 
 CEncapFamilyTemplate* CEncapFamilyMapping::EnterTemplate(const CString& name, const XMLNode& node)
 {
-    auto& entry = m_templates[name];
-    entry = std::make_unique<CEncapFamilyTemplate>(node, this);
+    auto made = std::make_unique<CEncapFamilyTemplate>(node, this);
     m_templateNames.push_back(name);
-    return entry.get();
+    try {
+        return m_templates.insert_or_assign(name, std::move(made)).first->second.get();
+    } catch (...) {
+        m_templateNames.pop_back();
+        throw;
+    }
 }
 
 // The maps of columns stand below MemberParametersMap or, in documents of another make, directly

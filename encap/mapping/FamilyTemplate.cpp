@@ -76,11 +76,13 @@ CEncapFamilyTemplateParameter* CEncapFamilyTemplate::AddParameter(const CString&
         return nullptr;
     }
     RaiseNextParameterId(id);
-    auto& parameter = m_parameters[id];
-    parameter.reset(new CEncapFamilyTemplateParameter(id, node, this, nullptr));
+    std::unique_ptr<CEncapFamilyTemplateParameter> made(
+        new CEncapFamilyTemplateParameter(id, node, this, nullptr));
+    CEncapFamilyTemplateParameter* parameter =
+        m_parameters.insert_or_assign(id, std::move(made)).first->second.get();
     m_index->Added(*parameter);
     edit.Added(node);
-    return parameter.get();
+    return parameter;
 }
 
 bool CEncapFamilyTemplate::DeleteParameter(int id)

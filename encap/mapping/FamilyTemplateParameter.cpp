@@ -27,19 +27,17 @@ CEncapFamilyTemplateParameter::CEncapFamilyTemplateParameter(int32_t id, const X
 {
 }
 
-// Takes the tree apart level by level: a deep tree must not need a deep stack.
+// Takes the tree apart from its leaves: a deep tree must not need a deep stack, nor memory.
 CEncapFamilyTemplateParameter::~CEncapFamilyTemplateParameter()
 {
-    std::vector<Level> pending;
-    pending.push_back(std::move(m_children));
-    while (!pending.empty()) {
-        Level level = std::move(pending.back());
-        pending.pop_back();
-        for (auto& [id, parameter] : level) {
-            if (!parameter->m_children.empty()) {
-                pending.push_back(std::move(parameter->m_children));
-            }
+    CEncapFamilyTemplateParameter* at = this;
+    while (at != this || !m_children.empty()) {
+        if (!at->m_children.empty()) {
+            at = at->m_children.begin()->second.get();
+            continue;
         }
+        at = at->m_parent;
+        at->m_children.erase(at->m_children.begin());
     }
 }
 

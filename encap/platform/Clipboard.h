@@ -29,8 +29,13 @@ struct ClipboardHook {
 /// the operation, without a lock held. What they throw counts as false, std::bad_alloc excepted.
 ENCAP_API ClipboardHook SetClipboardHook(ClipboardHook hook);
 
-[[nodiscard]] bool OfferClipboardBitmap(const ClipboardBitmap& bitmap);
-[[nodiscard]] bool TakeClipboardBitmap(ClipboardBitmap& bitmap);
+/// As the functions of a hook, through the hook or the platform's clipboard.
+[[nodiscard]] ENCAP_API bool OfferClipboardBitmap(const ClipboardBitmap& bitmap);
+[[nodiscard]] ENCAP_API bool TakeClipboardBitmap(ClipboardBitmap& bitmap);
+
+/// Whether the platform's clipboard is the one that other programs use, as on Windows; a store
+/// inside the process is not, and a host that wants more sets a hook.
+[[nodiscard]] ENCAP_API bool SystemClipboardIsShared();
 
 /// The platform's own clipboard, whatever the hook is.
 [[nodiscard]] bool OfferSystemClipboardBitmap(const ClipboardBitmap& bitmap);

@@ -21,10 +21,19 @@ namespace encap::platform {
 [[nodiscard]] bool FileExists(const CString& path);
 /// The whole file; false when it cannot be opened or read (a directory included), bytes untouched.
 [[nodiscard]] bool ReadWholeFile(const CString& path, std::string& bytes);
+/// How far the replacement of a file came.
+enum class Replacement {
+    Done,
+    NotCreated,  ///< no file can be made there, or what is there must not be replaced
+    NotBegun,    ///< nothing of the content could be written, as on a full disk
+    NotFinished, ///< the content could not be written or flushed to its end, or not be put in place
+};
 /// Replaces the file as one step: a temporary file beside the target is written, flushed to the
 /// disk and renamed over it. On failure the old file is whole and the temporary one is gone. The
 /// new file has the permissions of the old one; a link stays, and the file it leads to is replaced.
-/// False for a directory, a device, and a file that the user may not write.
+/// Not created over a directory, a device, and a file that the user may not write.
+[[nodiscard]] Replacement TryReplaceFile(const CString& path, std::string_view bytes);
+/// Whether TryReplaceFile is done.
 [[nodiscard]] bool ReplaceFileContent(const CString& path, std::string_view bytes);
 /// True when no file is there afterwards.
 bool DeleteFileIfPresent(const CString& path);
@@ -35,7 +44,7 @@ bool MakeDirectories(const CString& path);
 [[nodiscard]] CString TemporaryDirectory();
 
 /// For tests of lost writes: the n-th (1-based) coming write, flush or rename of
-/// ReplaceFileContent on this thread fails. A replacement takes these three steps in this order.
+/// TryReplaceFile on this thread fails. A replacement takes these three steps in this order.
 /// 0 turns it off.
 void FailReplaceStep(int step);
 

@@ -8,8 +8,13 @@ namespace encap::platform {
 /// there is no locale service.
 [[nodiscard]] wchar_t UserDecimalSeparator();
 /// A stable number of the user's locale: the customary locale identifier (1031 for de_DE) where one
-/// is known, 127 for C and POSIX, else a hash of the name with bit 16 set.
+/// is known, which on Windows is always. Elsewhere 127 for C and POSIX, else a hash of the name
+/// with bit 16 set.
 [[nodiscard]] int32_t UserLocaleId();
+
+/// The system's own answers, whatever ScopedUserLocale says.
+[[nodiscard]] wchar_t SystemDecimalSeparator();
+[[nodiscard]] int32_t SystemLocaleId();
 
 /// Replaces the user's locale on this thread while it lives, so that tests do not depend on the
 /// machine's locales. Objects nest.

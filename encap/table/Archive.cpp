@@ -122,15 +122,13 @@ bool ArchiveReader::ReadText(CString& text)
 
 void ArchiveReader::AssignUnits(std::string_view bytes, CString& text)
 {
-    text.clear();
-    text.reserve(bytes.size() / 2);
+    text.resize(bytes.size() / 2);
     bool hasSurrogate = false;
-    for (std::size_t i = 0; i < bytes.size(); i += 2) {
-        const auto low = static_cast<unsigned char>(bytes[i]);
-        const auto high = static_cast<unsigned char>(bytes[i + 1]);
-        const auto unit = static_cast<char16_t>(low | (high << 8));
-        hasSurrogate = hasSurrogate || (unit >= 0xD800 && unit <= 0xDFFF);
-        text.push_back(static_cast<wchar_t>(unit));
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto low = static_cast<unsigned char>(bytes[2 * i]);
+        const auto high = static_cast<unsigned char>(bytes[2 * i + 1]);
+        hasSurrogate = hasSurrogate || (high >= 0xD8 && high <= 0xDF);
+        text[i] = static_cast<wchar_t>(low | (high << 8));
     }
     if (hasSurrogate) {
         std::u16string units;

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] bool ReadUInt16(uint16_t& value);
     [[nodiscard]] bool ReadInt32(int32_t& value);
     [[nodiscard]] bool ReadText(CString& text);
+    /// The bytes that are left.
+    [[nodiscard]] std::size_t Left() const { return m_bytes.size(); }
 
 private:
     [[nodiscard]] bool ReadLittleEndian(int byteCount, uint32_t& value);

@@ -8,7 +8,7 @@
 #include "encap/table/TableState.h"
 
 using encap::ColumnDependencies;
-using encap::EvaluationScope;
+using encap::EditScope;
 using encap::TableAccess;
 using encap::TableState;
 namespace vocabulary = encap::vocabulary;
@@ -47,7 +47,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetFormula(const wchar_t* fo
     if (m_table == nullptr || !IsLive()) {
         return CTableEvaluator::EvaluateColumnNotFound;
     }
-    const EvaluationScope scope(*m_table);
+    const EditScope scope(*m_table);
     CString text(encap::TextOrEmpty(formula));
     const CString languageText(encap::TextOrEmpty(language));
     CString current;
@@ -81,7 +81,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::SetEmptyFormula()
     if (m_table == nullptr || !IsLive()) {
         return CTableEvaluator::EvaluateOK;
     }
-    const EvaluationScope scope(*m_table);
+    const EditScope scope(*m_table);
     SetIsCustom(false);
     if (m_table->GetFamily() != nullptr && IsLocalized()) {
         // Else the languages' own formulas would go on giving the column its values.
@@ -112,7 +112,7 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::ValidateNormalFormula(const 
     if (m_table == nullptr || !IsLive()) {
         return CTableEvaluator::EvaluateColumnNotFound;
     }
-    const EvaluationScope scope(*m_table);
+    const EditScope scope(*m_table);
     const auto unfit = CheckFormula(encap::TextOrEmpty(formula), DataTypes::NormalFormula);
     if (unfit != CTableEvaluator::EvaluateOK) {
         return unfit;
@@ -152,8 +152,9 @@ CTableEvaluator::EvaluateResult CEncapFamilyColumn::EnterFormula(const wchar_t* 
 
 void CEncapFamilyColumn::StoreFormula(const CString& formula)
 {
+    CString stored = formula;
     m_node.SetProperty(vocabulary::kColumnwideValue, formula);
-    m_state->formula = formula;
+    m_state->formula = std::move(stored);
     m_state->tokens.reset();
     m_state->namesUnknown = false;
     TableState& table = TableAccess::Of(*m_table);

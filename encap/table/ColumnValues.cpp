@@ -11,6 +11,7 @@
 #include <unordered_set>
 
 using encap::ColumnDependencies;
+using encap::EditScope;
 using encap::EvaluationScope;
 using encap::RowReference;
 using encap::TableAccess;
@@ -44,15 +45,15 @@ CEncapFamilyColumn::GetValue(const wchar_t* rowId, const wchar_t* language, CStr
     const EvaluationScope scope(*m_table);
     TableAccess::NoticeLocalization(*m_table);
     const RowReference row = TableAccess::FindRow(*m_table, encap::ViewOrEmpty(rowId));
-    const std::wstring_view languageView = encap::ViewOrEmpty(language);
+    encap::LanguageReference reference{encap::ViewOrEmpty(language)};
     encap::CellEvaluator& cells = TableAccess::Evaluator(*m_table).cells;
-    if (const auto known = cells.ReadAtHand(row, *this, languageView, value)) {
+    if (const auto known = cells.ReadAtHand(row, *this, reference, value)) {
         return *known;
     }
-    const auto result = cells.Evaluate(row, *this, languageView, value);
+    const auto result = cells.Evaluate(row, *this, reference, value);
     if (result == CTableEvaluator::EvaluateUnitlessFallback) {
         // Handed out with its warning once, never served from the cache.
-        TableAccess::Of(*m_table).cacheStore->Remove(row.id, m_state->cacheNumber, languageView);
+        TableAccess::Of(*m_table).cacheStore->Remove(row.id, m_state->cacheNumber, reference.text);
     }
     return result;
 }
@@ -72,7 +73,7 @@ void CEncapFamilyColumn::SetValue(const wchar_t* rowId, const wchar_t* language,
     if (row.entry == nullptr) {
         return;
     }
-    const EvaluationScope scope(*m_table);
+    const EditScope scope(*m_table);
     if (refreshCache) {
         InvalidateCache(row.entry->id, CString(encap::ViewOrEmpty(language)));
     }
@@ -91,7 +92,8 @@ void CEncapFamilyColumn::StoreValue(const CString& rowId, CEncapFamilyRow& row,
     ++table.editVersion;
     table.cacheStore->RemoveAllLanguages(rowId, m_state->cacheNumber);
     if (!(IsExpressionColumn() && value.empty()) && !IsMaterial()) {
-        table.cacheStore->Set(rowId, m_state->cacheNumber, language, value);
+        encap::LanguageReference reference{language};
+        table.cacheStore->Set(rowId, m_state->cacheNumber, reference, value);
         if (value.find(L'{') != CString::npos) {
             table.cacheStore->RowCache(rowId, true)->MarkHiddenReferences();
         }

@@ -70,7 +70,7 @@ inline CompactText::CompactText(std::wstring_view text)
     m_bytes[kTag] = kNone;
     bool fits = text.size() <= kTag;
     for (std::size_t i = 0; fits && i < text.size(); ++i) {
-        fits = text[i] >= 0 && text[i] < 0x100;
+        fits = static_cast<uint32_t>(text[i]) < 0x100;
         m_bytes[i] = static_cast<unsigned char>(text[i]);
     }
     if (fits) {

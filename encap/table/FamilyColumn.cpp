@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 using encap::ColumnState;
 using encap::TableAccess;
@@ -45,6 +46,13 @@ CEncapFamily* FamilyOf(const CEncapFamilyTable* table)
     return table != nullptr ? table->GetFamily() : nullptr;
 }
 
+// What is kept beside the ID.
+void NoteId(ColumnState& state)
+{
+    state.idUtf8 = encap::platform::WideToUtf8(state.id);
+    state.bookkeeping = encap::IsRowBookkeeping(state.id);
+}
+
 void ReadAttributes(const XMLNode& node, ColumnState& state)
 {
     CString type;
@@ -59,8 +67,22 @@ void ReadAttributes(const XMLNode& node, ColumnState& state)
     node.GetProperty(vocabulary::kUnitType, state.unit);
     node.GetProperty(vocabulary::kValueType, type);
     state.dataType = DataTypes::DataTypeStr2Num(type);
-    state.idUtf8 = encap::platform::WideToUtf8(state.id);
+    NoteId(state);
 }
+
+/// The scope of an edit of a column, which may be in no table.
+class OptionalScope {
+public:
+    explicit OptionalScope(const CEncapFamilyTable* table)
+    {
+        if (table != nullptr) {
+            m_scope.emplace(*table);
+        }
+    }
+
+private:
+    std::optional<encap::EditScope> m_scope;
+};
 
 } // namespace
 
@@ -118,10 +140,12 @@ void CEncapFamilyColumn::GetColumnID(CString& columnId) const
 
 void CEncapFamilyColumn::SetColumnID(const wchar_t* columnId)
 {
+    const OptionalScope scope(m_table);
     DropValues();
-    m_node.SetProperty(vocabulary::kColumnId, encap::TextOrEmpty(columnId));
-    m_state->id = encap::TextOrEmpty(columnId);
-    m_state->idUtf8 = encap::platform::WideToUtf8(m_state->id);
+    CString text(encap::TextOrEmpty(columnId));
+    m_node.SetProperty(vocabulary::kColumnId, text);
+    m_state->id = std::move(text);
+    NoteId(*m_state);
     m_state->localizedVersion = 0;
     if (m_table != nullptr && TableAccess::Of(*m_table).cacheStore != nullptr) {
         m_state->cacheNumber = TableAccess::Of(*m_table).cacheStore->ColumnNumber(m_state->id);
@@ -146,8 +170,9 @@ void CEncapFamilyColumn::GetTitle(CString& title, const wchar_t* language) const
 
 void CEncapFamilyColumn::SetTitle(const wchar_t* title)
 {
-    m_node.SetProperty(vocabulary::kTitle, encap::TextOrEmpty(title));
-    m_state->title = encap::TextOrEmpty(title);
+    CString text(encap::TextOrEmpty(title));
+    m_node.SetProperty(vocabulary::kTitle, text);
+    m_state->title = std::move(text);
 }
 
 void CEncapFamilyColumn::SetTitle(const wchar_t* title, const wchar_t* language)
@@ -166,9 +191,11 @@ void CEncapFamilyColumn::GetUnitType(CString& unit) const
 
 void CEncapFamilyColumn::SetUnitType(const wchar_t* unit)
 {
-    m_node.SetProperty(vocabulary::kUnitType, encap::TextOrEmpty(unit));
-    if (m_state->unit != encap::TextOrEmpty(unit)) {
-        m_state->unit = encap::TextOrEmpty(unit);
+    const OptionalScope scope(m_table);
+    CString text(encap::TextOrEmpty(unit));
+    m_node.SetProperty(vocabulary::kUnitType, text);
+    if (m_state->unit != text) {
+        m_state->unit = std::move(text);
         DropValues();
     }
 }
@@ -180,6 +207,7 @@ DataTypes::ColumnDataType CEncapFamilyColumn::GetDataType() const
 
 void CEncapFamilyColumn::SetDataType(DataTypes::ColumnDataType type)
 {
+    const OptionalScope scope(m_table);
     m_node.SetProperty(vocabulary::kValueType, DataTypes::DataTypeNum2Str(type));
     if (m_state->dataType != type) {
         m_state->dataType = type;
@@ -206,6 +234,7 @@ bool CEncapFamilyColumn::IsHidden() const
 
 void CEncapFamilyColumn::SetIsHidden(const bool& hidden)
 {
+    const OptionalScope scope(m_table);
     m_node.SetStrBoolProperty(vocabulary::kHidden, hidden);
     if (m_state->hidden != hidden) {
         m_state->hidden = hidden;
@@ -224,6 +253,7 @@ void CEncapFamilyColumn::SetIsCustom(const bool& custom)
     if (m_state->custom == custom) {
         return;
     }
+    const OptionalScope scope(m_table);
     m_node.SetStrBoolProperty(vocabulary::kCustom, custom);
     m_state->custom = custom;
     NoteRefreshChange();

@@ -35,20 +35,28 @@ CEncapFamilyTable::CEncapFamilyTable(const XMLNode& tableNode, CEncapFamily* fam
 
 CEncapFamilyTable::~CEncapFamilyTable()
 {
-    if (m_state->cacheStore != nullptr) {
-        try {
-            SaveCache();
-        } catch (const std::bad_alloc&) {
-            m_state->cacheStore->Abandon(); // the values can be computed again
-        }
-        m_state->cacheStore.reset();
+    bool isSaved = true;
+    try {
+        SaveCache();
+    } catch (const std::bad_alloc&) {
+        isSaved = false;
     }
     ClearData();
+    try {
+        if (!isSaved) {
+            m_state->cacheStore->Abandon(); // the values can be computed again
+        }
+    } catch (const std::bad_alloc&) { // not even a file name has room: the old file stays
+        isSaved = false;
+    }
 }
 
 // Chosen range values are not part of the document: values computed from them must not outlive it.
 void CEncapFamilyTable::SaveCache()
 {
+    if (m_state->cacheStore == nullptr) {
+        return;
+    }
     TableAccess::NoticeLocalization(*this);
     for (const auto& [columnId, value] : m_state->rangeColumnValues) {
         DropColumnValues(columnId);

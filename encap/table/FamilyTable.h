@@ -96,6 +96,12 @@ public:
     EvaluateResult Evaluate(const wchar_t* formula, DataTypes::ColumnFormulaType formulaType,
                             DataTypes::ColumnDataType dataType, const wchar_t* rowId,
                             const wchar_t* units, CString& result);
+    /// The text with each reference in braces replaced by the cell's value in the row and language,
+    /// a number with its column's unit directly behind it ("3mm", "2ul"): what a numeric cell with
+    /// this formula hands to the host. 2 when the braces do not pair up, 3 for an unknown column,
+    /// else the first failing cell's code; replaced is set with 0 only.
+    EvaluateResult ReplaceReferences(const wchar_t* text, const wchar_t* rowId,
+                                     const wchar_t* language, CString& replaced);
     /// Checks a text without evaluating cells; empty units check in "ul".
     EvaluateResult CheckFormulaSyntax(const wchar_t* formula,
                                       DataTypes::ColumnFormulaType formulaType,
@@ -195,6 +201,7 @@ private:
     void SaveCache();
     CEncapFamilyColumn* EnterColumn(std::size_t place, const XMLNode& element,
                                     const CString& columnId);
+    void ConnectColumn(CEncapFamilyColumn& column, const CString& columnId);
     void RegisterReferencesTo(const CString& columnId);
     void ForgetColumnId(const CString& columnId);
     void DeleteCellsOf(const CString& columnId);

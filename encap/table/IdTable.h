@@ -53,6 +53,11 @@ public:
         if (m_lastFound != nullptr && m_lastFound->id == id) {
             return m_lastFound;
         }
+        // Tables are mostly read in their order.
+        if (const Entry* next = NextOfLastFound(); next != nullptr && next->id == id) {
+            m_lastFound = next;
+            return next;
+        }
         const auto found = m_byId.find(id);
         if (found == m_byId.end()) {
             return nullptr;
@@ -150,6 +155,19 @@ private:
         const auto found = std::find_if(m_entries.begin(), m_entries.end(),
                                         [&](const auto& entry) { return matches(entry->id); });
         return found == m_entries.end() ? -1 : static_cast<int>(found - m_entries.begin());
+    }
+
+    // What stands behind the entry found last, if nothing has moved since; null when that is not
+    // the only one of its ID.
+    [[nodiscard]] const Entry* NextOfLastFound() const
+    {
+        if (m_lastFound == nullptr || m_shadowed > 0 ||
+            m_lastFound->position + 1 >= m_entries.size()) {
+            return nullptr;
+        }
+        const Entry* next = m_entries[m_lastFound->position + 1].get();
+        next->position = m_lastFound->position + 1;
+        return next;
     }
 
     // Looks outwards from where the entry was last: inserting and erasing near a place moves the

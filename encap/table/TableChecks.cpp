@@ -7,6 +7,7 @@
 
 #include <optional>
 
+using encap::EditScope;
 using encap::EvaluationScope;
 using encap::TableAccess;
 
@@ -127,7 +128,7 @@ void CEncapFamilyTable::ValidateAndRepairColumnData(CEncapFamilyColumn* column)
     if (GetAllColumns(known).count(column) == 0) {
         return;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     const CString columnId = TableAccess::Of(*column).id;
     column->InvalidateCache(CString(), CString());
     const std::vector<CString> rowIds = GetAllRowIDs();

@@ -6,6 +6,7 @@
 #include "encap/table/FamilyTable.h"
 #include "encap/table/TableState.h"
 
+using encap::EditScope;
 using encap::EvaluationScope;
 using encap::TableAccess;
 namespace vocabulary = encap::vocabulary;
@@ -32,6 +33,7 @@ void CEncapFamilyTable::SetStatusColValue(int rowIndex, const wchar_t* value)
     if (row == nullptr) {
         return;
     }
+    const EditScope scope(*this);
     const wchar_t* status = value != nullptr ? value : L"";
     const CString& columnId = m_state->statusColumnId;
     if (!columnId.empty()) {
@@ -74,7 +76,7 @@ void CEncapFamilyTable::BumpMemberRevision(const wchar_t* rowId)
         return;
     }
     const BumpingScope bumping(m_state->bumpingRevisions);
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     if (CEncapFamilyColumn* column = RevisionColumn()) {
         column->SetValue(rowId, CStringUtil::NewGuid().c_str(), column->IsReferencedByOther());
     }
@@ -86,7 +88,7 @@ void CEncapFamilyTable::BumpAllMemberRevisions(const wchar_t* revision)
         return;
     }
     const BumpingScope bumping(m_state->bumpingRevisions);
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     CEncapFamilyColumn* column = RevisionColumn();
     if (column == nullptr) {
         return;
@@ -108,7 +110,7 @@ CEncapFamilyColumn* CEncapFamilyTable::CreateSourceMemberRevisionColumn()
     if (revisions == nullptr) {
         return nullptr;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     CEncapFamilyColumn* column = InsertNewColumn(static_cast<int>(GetColumnsCount()),
                                                  vocabulary::kSourceMemberRevisionColumn);
     if (column == nullptr) {

@@ -7,6 +7,7 @@
 #include "encap/xml/NodeAccess.h"
 
 #include <algorithm>
+#include <exception>
 
 namespace encap {
 
@@ -48,11 +49,10 @@ IXMLDOMNode* RowCellIndex::Find(const XMLNode& row, const ColumnState& column,
 
 void RowCellIndex::Build(const XMLNode& row, ValueCacheStore& numbers)
 {
-    m_row = Raw(row);
-    m_changes = ChangeCount(row);
+    m_row = nullptr; // until all of it is known
     std::fill(m_cells.begin(), m_cells.end(), nullptr);
     std::size_t place = 0;
-    IXMLDOMNode* cell = FirstChildElement(m_row, vocabulary::kCell.utf8);
+    IXMLDOMNode* cell = FirstChildElement(Raw(row), vocabulary::kCell.utf8);
     for (; cell != nullptr; cell = NextElement(cell, vocabulary::kCell.utf8)) {
         const std::string_view columnId = AttributeView(cell, vocabulary::kColumnId.utf8);
         if (columnId.data() == nullptr) {
@@ -69,6 +69,8 @@ void RowCellIndex::Build(const XMLNode& row, ValueCacheStore& numbers)
             m_cells[number] = cell;
         }
     }
+    m_row = Raw(row);
+    m_changes = ChangeCount(row);
 }
 
 // The number of the column at a place among the cells, guessed from the row before.
@@ -96,6 +98,24 @@ EvaluationScope::~EvaluationScope()
         m_state.removedColumns.clear();
         m_state.removedRows.clear();
     }
+}
+
+EditScope::EditScope(const CEncapFamilyTable& table)
+    : EvaluationScope(table), m_exceptions(std::uncaught_exceptions())
+{
+}
+
+EditScope::~EditScope()
+{
+    if (std::uncaught_exceptions() == m_exceptions || m_state.cacheStore == nullptr) {
+        return;
+    }
+    // Memory ran out: which of the edit's steps were made is not known.
+    m_state.cacheStore->ForgetAllRows();
+    m_state.dependenciesIncomplete = true;
+    ++m_state.graphVersion;
+    ++m_state.structureVersion;
+    ++m_state.editVersion;
 }
 
 bool IsRowBookkeeping(std::wstring_view columnId)

@@ -53,6 +53,7 @@ struct ColumnState {
 
     // Kept for speed.
     std::string idUtf8;                      ///< the ID as the document holds it
+    bool bookkeeping = false;                ///< the row's own ID or status
     uint32_t cacheNumber = 0;                ///< the column's number in the value cache
     std::shared_ptr<const TokenList> tokens; ///< of the formula; null until first needed
     uint64_t localizedVersion = 0;           ///< of the mapping's answers; 0: not asked yet
@@ -138,8 +139,21 @@ public:
     EvaluationScope(const EvaluationScope&) = delete;
     EvaluationScope& operator=(const EvaluationScope&) = delete;
 
-private:
+protected:
     TableState& m_state;
+};
+
+/// The same around an edit. When an exception ends it, nothing that is kept beside the document is
+/// relied on any longer.
+class EditScope : public EvaluationScope {
+public:
+    explicit EditScope(const CEncapFamilyTable& table);
+    ~EditScope();
+    EditScope(const EditScope&) = delete;
+    EditScope& operator=(const EditScope&) = delete;
+
+private:
+    int m_exceptions; ///< in flight when it began
 };
 
 /// The door for the library's own sources to what tables, columns and rows keep to themselves.

@@ -11,9 +11,10 @@
 #include "encap/xml/NodeAccess.h"
 
 #include <algorithm>
+#include <new>
 
 using encap::ColumnDependencies;
-using encap::EvaluationScope;
+using encap::EditScope;
 using encap::IdTable;
 using encap::TableAccess;
 using encap::TableState;
@@ -45,7 +46,14 @@ XMLNode AddElement(XMLNode& container, const IdTable<T>& items, std::size_t plac
 class NewElement {
 public:
     explicit NewElement(const XMLNode& element) : m_element(element) {}
-    ~NewElement() { m_element.RemoveThisNode(true); }
+    ~NewElement()
+    {
+        try {
+            m_element.RemoveThisNode(true);
+        } catch (const std::bad_alloc&) { // the element stays, and shows when it is opened again
+            m_element = XMLNode();
+        }
+    }
     NewElement(const NewElement&) = delete;
     NewElement& operator=(const NewElement&) = delete;
 
@@ -99,7 +107,7 @@ CEncapFamilyRow* CEncapFamilyTable::InsertNewRow(int index, const CString& rowId
     if (!rows.IsNode()) {
         return nullptr;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     CString id = rowId.empty() ? CStringUtil::NewGuid() : rowId;
     const std::size_t place = PlaceFor(m_state->rows, index);
     XMLNode element =
@@ -134,7 +142,7 @@ bool CEncapFamilyTable::DeleteRow(int index)
         m_state->cacheStore->ForgetRow(rowId);
     }
     ++m_state->editVersion;
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     m_state->removedRows.reserve(m_state->removedRows.size() + 1);
     m_state->rows.At(index)->m_node.RemoveThisNode(false);
     m_state->removedRows.push_back(m_state->rows.Take(index));
@@ -147,7 +155,7 @@ CEncapFamilyRow* CEncapFamilyTable::CopyRow(const CString& rowId)
     if (source.entry == nullptr) {
         return nullptr;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     CEncapFamilyRow* copy = InsertNewRow(static_cast<int>(GetRowsCount()), CString());
     if (copy == nullptr) {
         return nullptr;
@@ -190,7 +198,7 @@ bool CEncapFamilyTable::PasteRow(int targetIndex, int sourceIndex)
     if (!m_state->rows.HasIndex(targetIndex) || !m_state->rows.HasIndex(sourceIndex)) {
         return false;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     const CString target = GetRowIDByIndex(targetIndex);
     const CString source = GetRowIDByIndex(sourceIndex);
     const std::vector<CString> columnIds = GetAllColumnIDs();
@@ -221,6 +229,7 @@ CEncapFamilyColumn* CEncapFamilyTable::InsertNewColumn(int index, const wchar_t*
     if (!columns.IsNode() || m_state->columns.Find(id) != nullptr) {
         return nullptr;
     }
+    const EditScope scope(*this);
     const std::size_t place = PlaceFor(m_state->columns, index);
     XMLNode element = AddElement(columns, m_state->columns, place, vocabulary::kColumn,
                                  vocabulary::kColumnId, id);
@@ -233,6 +242,7 @@ CEncapFamilyColumn* CEncapFamilyTable::InsertNewColumn(int index, const wchar_t*
     element.SetProperty(vocabulary::kTitle, id);
     CEncapFamilyColumn* column = EnterColumn(place, element, id);
     newElement.Keep();
+    ConnectColumn(*column, id);
     return column;
 }
 
@@ -243,7 +253,7 @@ CEncapFamilyColumn* CEncapFamilyTable::DuplicateColumn(int index, const wchar_t*
     if (source == nullptr || !IsValidNewColumnName(newColumnId)) {
         return nullptr;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     XMLNode columns = m_state->node.GetOrAddNode(vocabulary::kColumns);
     XMLNode element = source->GetXMLNode().CloneNode(false);
     const CString id(encap::ViewOrEmpty(newColumnId));
@@ -252,7 +262,10 @@ CEncapFamilyColumn* CEncapFamilyTable::DuplicateColumn(int index, const wchar_t*
         !PutElement(columns, m_state->columns, place, element)) {
         return nullptr;
     }
-    EnterColumn(place, element, id);
+    NewElement newElement(element);
+    CEncapFamilyColumn* column = EnterColumn(place, element, id);
+    newElement.Keep();
+    ConnectColumn(*column, id);
     CString sourceId;
     source->GetColumnID(sourceId);
     const std::vector<CString> rowIds = GetAllRowIDs();
@@ -267,8 +280,7 @@ CEncapFamilyColumn* CEncapFamilyTable::DuplicateColumn(int index, const wchar_t*
     return GetFamilyColumnByID(id.c_str());
 }
 
-// Makes a column over a new element: no key column, not hidden, with its place among the
-// dependencies.
+// Makes a column over a new element.
 CEncapFamilyColumn* CEncapFamilyTable::EnterColumn(std::size_t place, const XMLNode& element,
                                                    const CString& columnId)
 {
@@ -277,15 +289,21 @@ CEncapFamilyColumn* CEncapFamilyTable::EnterColumn(std::size_t place, const XMLN
     TableAccess::Of(*column).inTable = true;
     ++m_state->structureVersion;
     ++m_state->editVersion;
-    column->SetKeyWeight(0);
-    column->SetIsHidden(false);
-    NoteStatusColumn(*column, columnId);
-    encap::ColumnState& state = TableAccess::Of(*column);
+    return column;
+}
+
+// Gives a new column its attributes, no key column and not hidden, and its place among the
+// dependencies.
+void CEncapFamilyTable::ConnectColumn(CEncapFamilyColumn& column, const CString& columnId)
+{
+    column.SetKeyWeight(0);
+    column.SetIsHidden(false);
+    NoteStatusColumn(column, columnId);
+    encap::ColumnState& state = TableAccess::Of(column);
     state.namesUnknown =
-        !state.formula.empty() && UpdateColumnsDependency(column, state.formula.c_str()) ==
+        !state.formula.empty() && UpdateColumnsDependency(&column, state.formula.c_str()) ==
                                       CTableEvaluator::EvaluateUnknownColumn;
     RegisterReferencesTo(columnId);
-    return column;
 }
 
 // Formulas may have named the column before it was there.
@@ -312,7 +330,7 @@ bool CEncapFamilyTable::DeleteColumn(int index)
     if (!m_state->columns.HasIndex(index)) {
         return false;
     }
-    const EvaluationScope scope(*this);
+    const EditScope scope(*this);
     CEncapFamilyColumn* column = m_state->columns.At(index);
     const CString columnId = m_state->columns.EntryAt(index).id;
     column->BumpRevisionsIfRefreshing();

@@ -98,6 +98,17 @@ CEncapFamilyTable::Evaluate(const wchar_t* formula, DataTypes::ColumnFormulaType
                                                   CString(encap::ViewOrEmpty(units)), result);
 }
 
+CTableEvaluator::EvaluateResult CEncapFamilyTable::ReplaceReferences(const wchar_t* text,
+                                                                     const wchar_t* rowId,
+                                                                     const wchar_t* language,
+                                                                     CString& replaced)
+{
+    const EvaluationScope scope(*this);
+    return m_state->evaluator->ReplaceReferences(encap::ViewOrEmpty(text),
+                                                 CString(encap::ViewOrEmpty(rowId)),
+                                                 CString(encap::ViewOrEmpty(language)), replaced);
+}
+
 CTableEvaluator::EvaluateResult
 CEncapFamilyTable::CheckFormulaSyntax(const wchar_t* formula,
                                       DataTypes::ColumnFormulaType formulaType,

@@ -14,23 +14,58 @@ using encap::ValueCacheStore;
 
 namespace encap {
 
+namespace {
+
+/// A column lies flat when it is among the first ones, or when there are values for a fair part of
+/// the columns before it.
+constexpr uint64_t kFirstColumns = 32;
+constexpr uint64_t kColumnsAValue = 4;
+
+} // namespace
+
 void ColumnValues::Set(uint32_t column, std::wstring_view value)
 {
-    if (column >= m_values.size()) {
-        m_values.resize(column + std::size_t{1});
+    if (column >= m_values.size() && column < kFirstColumns + kColumnsAValue * m_count) {
+        ReachTo(column);
     }
-    if (!m_values[column].HasValue()) {
+    if (column >= m_values.size() && m_far == nullptr) {
+        m_far = std::make_unique<std::map<uint32_t, CompactText>>();
+    }
+    CompactText text(value);
+    CompactText& place = column < m_values.size() ? m_values[column] : (*m_far)[column];
+    if (!place.HasValue()) {
         ++m_count;
     }
-    m_values[column] = CompactText(value);
+    place = std::move(text);
+}
+
+// What was far until now and lies flat from here on moves.
+void ColumnValues::ReachTo(uint32_t column)
+{
+    m_values.resize(column + std::size_t{1});
+    while (m_far != nullptr && !m_far->empty() && m_far->begin()->first <= column) {
+        m_values[m_far->begin()->first] = std::move(m_far->begin()->second);
+        m_far->erase(m_far->begin());
+    }
+}
+
+const CompactText* ColumnValues::FindFar(uint32_t column) const
+{
+    const auto found = m_far->find(column);
+    return found != m_far->end() ? &found->second : nullptr;
 }
 
 void ColumnValues::Remove(uint32_t column)
 {
-    if (Find(column) != nullptr) {
-        m_values[column] = CompactText();
-        --m_count;
+    if (Find(column) == nullptr) {
+        return;
     }
+    if (column < m_values.size()) {
+        m_values[column] = CompactText();
+    } else {
+        m_far->erase(column);
+    }
+    --m_count;
 }
 
 std::vector<uint32_t> ColumnValues::Columns() const
@@ -42,12 +77,20 @@ std::vector<uint32_t> ColumnValues::Columns() const
             columns.push_back(column);
         }
     }
+    if (m_far != nullptr) {
+        for (const auto& [column, value] : *m_far) {
+            columns.push_back(column);
+        }
+    }
     return columns;
 }
 
 } // namespace encap
 
 namespace {
+
+/// A row's values get the room that they will take when the whole row is read, within reason.
+constexpr std::size_t kMostExpectedColumns = 64;
 
 int GetFrom(const ColumnValues* values, uint32_t column, CString& value)
 {
@@ -160,7 +203,8 @@ void CValueCacheLoc::Set(uint32_t language, uint32_t column, std::wstring_view v
             return;
         }
     }
-    m_languages.push_back({language, {}});
+    const std::size_t expected = std::min(m_store.ColumnCount(), kMostExpectedColumns);
+    m_languages.push_back({language, encap::ColumnValues(expected)});
     m_languages.back().values.Set(column, value);
 }
 

@@ -3,6 +3,8 @@
 #include "encap/foundation/Types.h"
 #include "encap/table/CompactText.h"
 
+#include <map>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -12,15 +14,22 @@ class ArchiveReader;
 class ArchiveWriter;
 class ValueCacheStore;
 
-/// The values of one row, or of one row in one language, by the store's column numbers.
+/// The values of one row, or of one row in one language, by the store's column numbers. They lie
+/// flat, but for those of columns far behind the others: a file may name any columns, and its few
+/// values must not take room for all of them.
 class ColumnValues {
 public:
+    ColumnValues() = default;
+    explicit ColumnValues(std::size_t expected) { m_values.reserve(expected); }
+
     void Set(uint32_t column, std::wstring_view value);
     /// Null when the column has no value here.
     [[nodiscard]] const CompactText* Find(uint32_t column) const
     {
-        return column < m_values.size() && m_values[column].HasValue() ? &m_values[column]
-                                                                       : nullptr;
+        if (column >= m_values.size()) {
+            return m_far != nullptr ? FindFar(column) : nullptr;
+        }
+        return m_values[column].HasValue() ? &m_values[column] : nullptr;
     }
     void Remove(uint32_t column);
     [[nodiscard]] bool IsEmpty() const { return m_count == 0; }
@@ -29,7 +38,11 @@ public:
     [[nodiscard]] std::vector<uint32_t> Columns() const;
 
 private:
+    [[nodiscard]] const CompactText* FindFar(uint32_t column) const;
+    void ReachTo(uint32_t column);
+
     std::vector<CompactText> m_values;
+    std::unique_ptr<std::map<uint32_t, CompactText>> m_far; ///< behind those; often null
     uint32_t m_count = 0;
 };
 

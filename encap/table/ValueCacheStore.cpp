@@ -13,6 +13,7 @@ namespace encap {
 namespace {
 
 constexpr int32_t kFileVersion = 1;
+constexpr std::size_t kLeastRowBytes = 10; // of the file: an ID of one unit, and no values
 constexpr uint16_t kNoFileColumn = 65535;
 constexpr std::size_t kMostFileIndices = 65535;
 
@@ -168,13 +169,13 @@ void ValueCacheStore::ForgetAllRows()
     m_lastRow = nullptr;
 }
 
-void ValueCacheStore::Set(std::wstring_view rowId, uint32_t column, std::wstring_view language,
+void ValueCacheStore::Set(std::wstring_view rowId, uint32_t column, LanguageReference& language,
                           std::wstring_view value)
 {
     RowCache(rowId, true)->Set(LanguageNumber(language), column, value);
 }
 
-int ValueCacheStore::Get(std::wstring_view rowId, uint32_t column, std::wstring_view language,
+int ValueCacheStore::Get(std::wstring_view rowId, uint32_t column, LanguageReference& language,
                          CString& value)
 {
     const CValueCacheLoc* row = RowCache(rowId, false);
@@ -251,9 +252,10 @@ void ValueCacheStore::Load()
 void ValueCacheStore::LoadRows(ArchiveReader& reader)
 {
     int32_t count = 0;
-    if (!reader.ReadInt32(count)) {
+    if (!reader.ReadInt32(count) || count < 1) {
         return;
     }
+    m_rows.reserve(std::min(static_cast<std::size_t>(count), reader.Left() / kLeastRowBytes));
     CString rowId;
     for (int32_t i = 0; i < count; ++i) {
         if (!reader.ReadText(rowId) || rowId.empty()) {

@@ -11,12 +11,20 @@
 
 namespace encap {
 
+/// A language as a caller names it, with its number once it has one.
+struct LanguageReference {
+    std::wstring_view text;
+    uint32_t number = kNoNumber;
+
+    static constexpr uint32_t kNoNumber = 0xFFFFFFFF; ///< the cache has not met it yet
+};
+
 /// The evaluated values of a whole table, by row ID, and their file from one opening of the family
 /// to the next. An accelerator only: every value can be computed again. Owned by the table. Columns
 /// and languages are numbered in the order of their first use; keys compare exactly.
 class ValueCacheStore {
 public:
-    static constexpr uint32_t kNoNumber = 0xFFFFFFFF;
+    static constexpr uint32_t kNoNumber = LanguageReference::kNoNumber;
 
     /// Loads the directory's file of the user's locale when there is one; null or empty: no file.
     explicit ValueCacheStore(const wchar_t* cacheDirectory);
@@ -30,12 +38,29 @@ public:
     /// kNoNumber when the text has no number yet.
     [[nodiscard]] uint32_t FindColumn(std::wstring_view columnId) const;
     [[nodiscard]] uint32_t FindLanguage(std::wstring_view language) const;
+    [[nodiscard]] std::size_t ColumnCount() const { return m_columns.size(); }
     [[nodiscard]] const CString& ColumnText(uint32_t number) const { return m_columns[number]; }
     [[nodiscard]] const std::string& ColumnUtf8(uint32_t number) const
     {
         return m_columnsUtf8[number];
     }
     [[nodiscard]] const CString& LanguageText(uint32_t number) const { return m_languages[number]; }
+
+    /// The number that the reference has, looked up anew while it has none.
+    [[nodiscard]] uint32_t FindLanguage(LanguageReference& language) const
+    {
+        if (language.number == kNoNumber) {
+            language.number = FindLanguage(language.text);
+        }
+        return language.number;
+    }
+    uint32_t LanguageNumber(LanguageReference& language)
+    {
+        if (language.number == kNoNumber) {
+            language.number = LanguageNumber(language.text);
+        }
+        return language.number;
+    }
 
     // Rows.
     /// The row's cache; without create null when there is none.
@@ -47,11 +72,16 @@ public:
     void ForgetColumns(const std::vector<uint32_t>& columns);
     void ForgetAllRows();
 
-    // Single values.
-    void Set(std::wstring_view rowId, uint32_t column, std::wstring_view language,
+    // Single values. A reference to a language is given its number.
+    void Set(std::wstring_view rowId, uint32_t column, LanguageReference& language,
              std::wstring_view value);
     /// 0 with the value, 1 with value as it was.
-    int Get(std::wstring_view rowId, uint32_t column, std::wstring_view language, CString& value);
+    int Get(std::wstring_view rowId, uint32_t column, LanguageReference& language, CString& value);
+    int Get(std::wstring_view rowId, uint32_t column, std::wstring_view language, CString& value)
+    {
+        LanguageReference reference{language};
+        return Get(rowId, column, reference, value);
+    }
     void Remove(std::wstring_view rowId, uint32_t column, std::wstring_view language);
     void RemoveAllLanguages(std::wstring_view rowId, uint32_t column);
 

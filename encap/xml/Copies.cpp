@@ -1,7 +1,5 @@
 #include "encap/xml/Nodes.h"
 
-#include <new>
-
 namespace encap {
 namespace {
 
@@ -24,7 +22,7 @@ NewNode CopyElement(Tree& target, const xmlNode* source)
                                NamespaceIn(target, source));
     xmlNs** link = &copy->nsDef;
     for (const xmlNs* space = source->nsDef; space != nullptr; space = space->next) {
-        *link = MakeDeclaration(space->prefix, space->href);
+        *link = MakeDeclaration(target, space->prefix, space->href);
         link = &(*link)->next;
     }
     for (xmlAttr* attribute = source->properties; attribute != nullptr;
@@ -34,14 +32,6 @@ NewNode CopyElement(Tree& target, const xmlNode* source)
     return copy;
 }
 
-NewNode Made(xmlNode* node)
-{
-    if (node == nullptr) {
-        throw std::bad_alloc();
-    }
-    return NewNode(node);
-}
-
 /// One node without what stands in it; null for kinds that are not copied.
 NewNode CopyNode(Tree& target, xmlNode* source)
 {
@@ -49,8 +39,8 @@ NewNode CopyNode(Tree& target, xmlNode* source)
     case XML_ELEMENT_NODE: return CopyElement(target, source);
     case XML_ATTRIBUTE_NODE: return NewNode(AsNode(CopyAttribute(target, source)));
     case XML_TEXT_NODE: return MakeText(target.Document(), ViewOf(source->content));
-    case XML_COMMENT_NODE: return Made(xmlNewDocComment(target.Document(), source->content));
-    case XML_PI_NODE: return Made(xmlNewDocPI(target.Document(), source->name, source->content));
+    case XML_COMMENT_NODE: return MakeComment(target.Document(), source->content);
+    case XML_PI_NODE: return MakeInstruction(target.Document(), source->name, source->content);
     default: return nullptr;
     }
 }

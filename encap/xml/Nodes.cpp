@@ -15,14 +15,13 @@ namespace {
 /// the tree knows this form.
 constexpr std::size_t kInlineContent = 2 * sizeof(void*);
 
+/// A node, or an attribute, of a document.
 template <class T>
-T* Allocate()
+T* Allocate(xmlDoc* document)
 {
-    auto* memory = static_cast<T*>(xmlMalloc(sizeof(T)));
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
+    auto* memory = static_cast<T*>(Tree::Of(AsNode(document)).Store().Take(sizeof(T)));
     std::memset(memory, 0, sizeof(T));
+    memory->doc = document;
     return memory;
 }
 
@@ -34,15 +33,54 @@ xmlChar* InlineContent(xmlNode* node)
 /// The content of a node that has none yet.
 void GiveContent(xmlNode* node, std::string_view text)
 {
+    text = text.substr(0, text.find('\0')); // contents are measured by their end
     const bool isShort = text.size() < kInlineContent && node->type == XML_TEXT_NODE;
-    xmlChar* content =
-        isShort ? InlineContent(node) : static_cast<xmlChar*>(xmlMalloc(text.size() + 1));
-    if (content == nullptr) {
-        throw std::bad_alloc();
-    }
+    NodeStore& store = Tree::Of(node).Store();
+    auto* content =
+        isShort ? InlineContent(node) : static_cast<xmlChar*>(store.Take(text.size() + 1));
     std::copy(text.begin(), text.end(), content);
     content[text.size()] = 0;
     node->content = content;
+}
+
+void FreeContent(NodeStore& store, const xmlNode* node, xmlChar* content) noexcept
+{
+    if (content != nullptr && content != InlineContent(const_cast<xmlNode*>(node))) {
+        store.Give(content, ViewOf(content).size() + 1);
+    }
+}
+
+void FreeAttribute(NodeStore& store, xmlAttr* attribute) noexcept
+{
+    if (xmlNode* text = attribute->children) {
+        FreeContent(store, text, text->content);
+        store.Give(text, sizeof(xmlNode));
+    }
+    store.Give(attribute, sizeof(xmlAttr));
+}
+
+/// One node without what stands below it.
+void FreeNode(Tree& tree, xmlNode* node) noexcept
+{
+    NodeStore& store = tree.Store();
+    if (node->type == XML_ATTRIBUTE_NODE) {
+        FreeAttribute(store, reinterpret_cast<xmlAttr*>(node));
+        return;
+    }
+    if (node->type != XML_ELEMENT_NODE) {
+        FreeContent(store, node, node->content);
+        store.Give(node, sizeof(xmlNode));
+        return;
+    }
+    while (xmlAttr* attribute = node->properties) {
+        node->properties = attribute->next;
+        FreeAttribute(store, attribute);
+    }
+    while (xmlNs* declaration = node->nsDef) {
+        node->nsDef = declaration->next;
+        FreeDeclaration(tree, declaration);
+    }
+    store.Give(node, sizeof(xmlNode));
 }
 
 /// The name behind the prefix.
@@ -131,8 +169,8 @@ bool SetDeclaration(xmlNode* element, std::string_view name, std::string_view va
     while (*link != nullptr) {
         link = &(*link)->next;
     }
-    *link = MakeDeclaration(prefix.empty() ? nullptr : tree.Intern(prefix),
-                            BAD_CAST std::string(value).c_str());
+    *link =
+        MakeDeclaration(tree, prefix.empty() ? nullptr : tree.Intern(prefix), tree.Intern(value));
     tree.NoteChange(element);
     return true;
 }
@@ -141,22 +179,67 @@ bool SetDeclaration(xmlNode* element, std::string_view name, std::string_view va
 
 NewNode MakeElement(xmlDoc* document, const xmlChar* internedName, xmlNs* space)
 {
-    NewNode node(Allocate<xmlNode>());
+    NewNode node(Allocate<xmlNode>(document));
     node->type = XML_ELEMENT_NODE;
     node->name = internedName;
-    node->doc = document;
     node->ns = space;
     return node;
 }
 
 NewNode MakeText(xmlDoc* document, std::string_view text)
 {
-    NewNode node(Allocate<xmlNode>());
+    NewNode node(Allocate<xmlNode>(document));
     node->type = XML_TEXT_NODE;
     node->name = xmlStringText;
-    node->doc = document;
     GiveContent(node.get(), text);
     return node;
+}
+
+NewNode MakeComment(xmlDoc* document, const xmlChar* text)
+{
+    NewNode node(Allocate<xmlNode>(document));
+    node->type = XML_COMMENT_NODE;
+    node->name = xmlStringComment;
+    if (text != nullptr) {
+        GiveContent(node.get(), ViewOf(text));
+    }
+    return node;
+}
+
+NewNode MakeInstruction(xmlDoc* document, const xmlChar* target, const xmlChar* data)
+{
+    NewNode node(Allocate<xmlNode>(document));
+    node->type = XML_PI_NODE;
+    node->name = Tree::Of(node.get()).Intern(ViewOf(target));
+    if (data != nullptr) {
+        GiveContent(node.get(), ViewOf(data));
+    }
+    return node;
+}
+
+void FreeSubtree(xmlNode* root) noexcept
+{
+    if (root == nullptr) {
+        return;
+    }
+    Tree& tree = Tree::Of(root);
+    xmlNode* node = root;
+    while (true) {
+        if (node->type == XML_ELEMENT_NODE && node->children != nullptr) {
+            xmlNode* first = node->children;
+            node->children = nullptr; // the next visit of the node is the last
+            node = first;
+            continue;
+        }
+        xmlNode* behind = node == root            ? nullptr
+                          : node->next != nullptr ? node->next
+                                                  : node->parent;
+        FreeNode(tree, node);
+        if (behind == nullptr) {
+            return;
+        }
+        node = behind;
+    }
 }
 
 void AssignContent(xmlNode* node, std::string_view text)
@@ -166,19 +249,18 @@ void AssignContent(xmlNode* node, std::string_view text)
     // Held aside: the new text may be a view into the old one.
     const std::string copy = wasInline ? std::string(text) : std::string();
     GiveContent(node, wasInline ? std::string_view(copy) : text);
-    if (!wasInline && old != nullptr) {
-        xmlFree(old);
+    if (!wasInline) {
+        FreeContent(Tree::Of(node).Store(), node, old);
     }
 }
 
 xmlAttr* MakeAttribute(xmlDoc* document, const xmlChar* internedName, xmlNs* space,
                        std::string_view value)
 {
-    NewNode node(AsNode(Allocate<xmlAttr>()));
+    NewNode node(AsNode(Allocate<xmlAttr>(document)));
     auto* attribute = reinterpret_cast<xmlAttr*>(node.get());
     attribute->type = XML_ATTRIBUTE_NODE;
     attribute->name = internedName;
-    attribute->doc = document;
     attribute->ns = space;
     AssignValue(attribute, value);
     return reinterpret_cast<xmlAttr*>(node.release());
@@ -195,13 +277,21 @@ void LinkAttribute(xmlNode* element, xmlAttr* attribute)
     *link = attribute;
 }
 
-xmlNs* MakeDeclaration(const xmlChar* prefix, const xmlChar* href)
+xmlNs* MakeDeclaration(Tree& tree, const xmlChar* prefix, const xmlChar* href)
 {
-    xmlNs* space = xmlNewNs(nullptr, href, prefix);
-    if (space == nullptr) {
-        throw std::bad_alloc();
-    }
-    return space;
+    const xmlChar* internedPrefix = prefix != nullptr ? tree.Intern(ViewOf(prefix)) : nullptr;
+    const xmlChar* internedName = tree.Intern(ViewOf(href));
+    auto* declaration = static_cast<xmlNs*>(tree.Store().Take(sizeof(xmlNs)));
+    std::memset(declaration, 0, sizeof(xmlNs));
+    declaration->type = XML_LOCAL_NAMESPACE;
+    declaration->prefix = internedPrefix;
+    declaration->href = internedName;
+    return declaration;
+}
+
+void FreeDeclaration(Tree& tree, xmlNs* declaration) noexcept
+{
+    tree.Store().Give(declaration, sizeof(xmlNs));
 }
 
 NewNode MakeNamedElement(Tree& tree, xmlNode* scope, std::string_view name)

@@ -10,8 +10,11 @@
 // that XML allows.
 namespace encap {
 
+/// Gives back the memory of an unlinked node and of everything below it.
+void FreeSubtree(xmlNode* root) noexcept;
+
 struct NodeDeleter {
-    void operator()(xmlNode* node) const { xmlFreeNode(node); }
+    void operator()(xmlNode* node) const { FreeSubtree(node); }
 };
 /// A new node that is not linked yet.
 using NewNode = std::unique_ptr<xmlNode, NodeDeleter>;
@@ -29,6 +32,10 @@ inline constexpr std::string_view kEmptyText = ""; // NOLINT(readability-redunda
 
 [[nodiscard]] NewNode MakeElement(xmlDoc* document, const xmlChar* internedName, xmlNs* space);
 [[nodiscard]] NewNode MakeText(xmlDoc* document, std::string_view text);
+/// text: null for an empty comment.
+[[nodiscard]] NewNode MakeComment(xmlDoc* document, const xmlChar* text);
+/// data: null when there is nothing behind the target.
+[[nodiscard]] NewNode MakeInstruction(xmlDoc* document, const xmlChar* target, const xmlChar* data);
 /// Replaces the content of a text, comment or processing instruction.
 void AssignContent(xmlNode* node, std::string_view text);
 /// An attribute that is not linked yet.
@@ -37,7 +44,8 @@ void AssignContent(xmlNode* node, std::string_view text);
 /// Adds an attribute behind the others; not checked for being there.
 void LinkAttribute(xmlNode* element, xmlAttr* attribute);
 /// A namespace declaration that is not linked yet.
-[[nodiscard]] xmlNs* MakeDeclaration(const xmlChar* prefix, const xmlChar* href);
+[[nodiscard]] xmlNs* MakeDeclaration(Tree& tree, const xmlChar* prefix, const xmlChar* href);
+void FreeDeclaration(Tree& tree, xmlNs* declaration) noexcept;
 
 /// A new element of a qualified name whose prefix is looked up from scope upwards; null for a name
 /// that XML does not allow and for an unbound prefix.

@@ -22,8 +22,8 @@ struct ContextDeleter {
     void operator()(xmlParserCtxt* context) const { xmlFreeParserCtxt(context); }
 };
 
-constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR |
-                         XML_PARSE_NOWARNING | XML_PARSE_COMPACT | XML_PARSE_NOCDATA;
+constexpr int kOptions =
+    XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
 
 /// Hands a wide text to the parser in UTF-8 piece by piece: the whole text never stands in memory a
 /// second time.

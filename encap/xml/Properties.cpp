@@ -53,8 +53,9 @@ bool RemoveDeclaration(xmlNode* element, const xmlNs* declared)
     }
     xmlNs* removed = *link;
     *link = removed->next;
-    xmlFreeNs(removed);
-    Tree::Of(element).NoteChange(element);
+    Tree& tree = Tree::Of(element);
+    encap::FreeDeclaration(tree, removed);
+    tree.NoteChange(element);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "encap/xml/Serializer.h"
 
 #include "encap/xml/Nodes.h"
+#include "encap/xml/Texts.h"
 
 #include <algorithm>
 #include <array>
@@ -19,6 +20,16 @@ constexpr std::array<unsigned char, 256> MakeEscapingTable()
 }
 
 constexpr std::array<unsigned char, 256> kEscaping = MakeEscapingTable();
+
+/// White space that is all an element holds. It would be taken for layout when it is read again; an
+/// empty CDATA section before it tells that it is not.
+bool IsBlankValue(const xmlNode* text)
+{
+    const std::string_view content = ViewOf(text->content);
+    return text->prev == nullptr && text->next == nullptr && text->parent != nullptr &&
+           text->parent->type == XML_ELEMENT_NODE && !content.empty() && IsBlank(content) &&
+           xmlNodeGetSpacePreserve(text->parent) != 1;
+}
 
 std::string_view Escape(char character)
 {
@@ -96,7 +107,10 @@ void Serializer::Open(xmlNode* node)
 {
     switch (node->type) {
     case XML_ELEMENT_NODE: OpenElement(node); break;
-    case XML_TEXT_NODE: AppendEscaped(m_out, ViewOf(node->content), kInText); break;
+    case XML_TEXT_NODE:
+        m_out += IsBlankValue(node) ? "<![CDATA[]]>" : "";
+        AppendEscaped(m_out, ViewOf(node->content), kInText);
+        break;
     case XML_COMMENT_NODE:
         m_out += "<!--";
         WriteBare(ViewOf(node->content));

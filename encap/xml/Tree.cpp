@@ -1,10 +1,13 @@
 #include "encap/xml/Tree.h"
 
+#include "encap/platform/CodePages.h"
+#include "encap/xml/Nodes.h"
 #include "encap/xml/XPathQueries.h"
 
 #include <new>
 
 #include <libxml/dict.h>
+#include <libxml/encoding.h>
 #include <libxml/parser.h>
 
 namespace encap {
@@ -73,11 +76,26 @@ xmlDoc* NewDocument(xmlDict* dictionary)
     return document;
 }
 
+/// Names conversions of the system to the library, where it has none of its own for the name. An
+/// encoding for which that fails stays unknown.
+bool AddSystemEncodings()
+{
+    for (const platform::SystemEncoding& encoding : platform::SystemEncodings()) {
+        xmlCharEncodingHandler* known = xmlFindCharEncodingHandler(encoding.name);
+        if (known != nullptr) {
+            xmlCharEncCloseFunc(known);
+        } else {
+            xmlNewCharEncodingHandler(encoding.name, encoding.toUtf8, encoding.fromUtf8);
+        }
+    }
+    return true;
+}
+
 } // namespace
 
 void InitializeLibrary()
 {
-    static const bool isReady = (xmlInitParser(), true);
+    static const bool isReady = (xmlInitParser(), AddSystemEncodings());
     static_cast<void>(isReady);
 }
 
@@ -86,12 +104,12 @@ Tree::Tree(xmlDict* dictionary) : m_document(NewDocument(dictionary))
     m_document->_private = this;
 }
 
+// The nodes go with their store.
 Tree::~Tree()
 {
-    for (const auto& [orphan, wrappers] : m_orphans) {
-        xmlFreeNode(orphan);
-    }
     m_queries.reset();
+    m_document->children = nullptr;
+    m_document->last = nullptr;
     xmlFreeDoc(m_document);
 }
 
@@ -237,7 +255,7 @@ void Tree::Remove(xmlNode* node)
     NoteChange(node->parent);
     xmlUnlinkNode(node);
     if (wrappers == 0) {
-        xmlFreeNode(node);
+        FreeSubtree(node);
     } else if (from != nullptr) {
         DropFromOrphan(from, wrappers);
     }
@@ -268,7 +286,7 @@ void Tree::DropFromOrphan(xmlNode* orphan, std::size_t wrappers)
     listed->second -= wrappers;
     if (listed->second == 0) {
         m_orphans.erase(listed);
-        xmlFreeNode(orphan);
+        FreeSubtree(orphan);
     }
 }
 

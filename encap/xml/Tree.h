@@ -1,5 +1,6 @@
 #pragma once
 
+#include "encap/xml/NodeStore.h"
 #include "encap/xml/XMLNode.h"
 
 #include <cstddef>
@@ -65,7 +66,8 @@ class XPathQueries;
 /// one tree are equal pointers; an attribute has at most one child, a text; the namespaces that
 /// nodes and attributes point to belong to the document and not to the elements that declare them,
 /// so that nodes can be moved and kept freely (the serializer declares what is missing); there are
-/// no entity references, CDATA sections or document type declarations.
+/// no entity references, CDATA sections or document type declarations; nodes, texts and
+/// declarations stand in the tree's own memory: the library behind it may free none of them.
 class Tree {
 public:
     /// A tree without content, with names in this dictionary (null: one of its own).
@@ -94,6 +96,8 @@ public:
 
     [[nodiscard]] xmlDoc* Document() const { return m_document; }
     [[nodiscard]] xmlNode* RootElement() const { return xmlDocGetRootElement(m_document); }
+    /// Where the memory of nodes, texts and namespace declarations comes from.
+    [[nodiscard]] NodeStore& Store() { return m_store; }
     [[nodiscard]] XPathQueries& Queries();
     /// The subtrees that live on only for their wrappers.
     [[nodiscard]] std::size_t OrphanCount() const { return m_orphans.size(); }
@@ -134,6 +138,7 @@ private:
         }
     };
 
+    NodeStore m_store;
     xmlDoc* m_document;
     std::size_t m_references = 0;
     uint64_t m_changes = 1;

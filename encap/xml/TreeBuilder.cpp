@@ -55,6 +55,7 @@ void TreeBuilder::Connect()
     events.startElementNs = OnStartElement;
     events.endElementNs = OnEndElement;
     events.characters = OnCharacters;
+    events.cdataBlock = OnSection;
     events.ignorableWhitespace = OnCharacters;
     events.comment = OnComment;
     events.processingInstruction = OnInstruction;
@@ -109,17 +110,23 @@ void TreeBuilder::OnCharacters(void* self, const xmlChar* text, int size)
     });
 }
 
+void TreeBuilder::OnSection(void* self, const xmlChar* text, int size)
+{
+    OnCharacters(self, text, size);
+    static_cast<TreeBuilder*>(self)->m_hasSection = true;
+}
+
 void TreeBuilder::OnComment(void* self, const xmlChar* text)
 {
     Guarded(self, [=](TreeBuilder& builder) {
-        builder.Append(NewNode(xmlNewDocComment(builder.m_tree->Document(), text)));
+        builder.Append(MakeComment(builder.m_tree->Document(), text));
     });
 }
 
 void TreeBuilder::OnInstruction(void* self, const xmlChar* target, const xmlChar* data)
 {
     Guarded(self, [=](TreeBuilder& builder) {
-        builder.Append(NewNode(xmlNewDocPI(builder.m_tree->Document(), target, data)));
+        builder.Append(MakeInstruction(builder.m_tree->Document(), target, data));
     });
 }
 
@@ -153,13 +160,16 @@ void TreeBuilder::Stop()
     xmlStopParser(m_context);
 }
 
-/// The text before a tag, a comment or an instruction is whole: white space only goes.
-void TreeBuilder::FlushText()
+/// The text before a tag, a comment or an instruction is whole: white space only goes, unless it is
+/// all that an element holds and a section marks it.
+void TreeBuilder::FlushText(bool endsElement)
 {
+    const bool isValue = m_hasSection && endsElement && m_current->children == nullptr;
+    m_hasSection = false;
     if (m_text.empty()) {
         return;
     }
-    if (!IsBlank(m_text) || m_preserves[static_cast<std::size_t>(m_level)]) {
+    if (isValue || !IsBlank(m_text) || m_preserves[static_cast<std::size_t>(m_level)]) {
         NewNode text = MakeText(m_tree->Document(), m_text);
         m_tree->Insert(text.release(), m_current, nullptr);
     }
@@ -168,9 +178,6 @@ void TreeBuilder::FlushText()
 
 void TreeBuilder::Append(NewNode node)
 {
-    if (node == nullptr) {
-        throw std::bad_alloc();
-    }
     FlushText();
     m_tree->Insert(node.release(), m_current, nullptr);
 }
@@ -190,7 +197,7 @@ void TreeBuilder::StartElement(const xmlChar* name, const xmlChar* prefix, const
 
 void TreeBuilder::EndElement()
 {
-    FlushText();
+    FlushText(true);
     m_current = m_current->parent;
     --m_level;
 }
@@ -199,7 +206,7 @@ void TreeBuilder::AddDeclarations(int count, const xmlChar** namespaces)
 {
     xmlNs** link = &m_current->nsDef;
     for (int i = 0; i < count; ++i, namespaces += 2) {
-        *link = MakeDeclaration(namespaces[0], namespaces[1]);
+        *link = MakeDeclaration(*m_tree, namespaces[0], namespaces[1]);
         link = &(*link)->next;
     }
 }

@@ -36,6 +36,7 @@ private:
     static void OnEndElement(void* self, const xmlChar* name, const xmlChar* prefix,
                              const xmlChar* uri);
     static void OnCharacters(void* self, const xmlChar* text, int size);
+    static void OnSection(void* self, const xmlChar* text, int size);
     static void OnComment(void* self, const xmlChar* text);
     static void OnInstruction(void* self, const xmlChar* target, const xmlChar* data);
     static void OnDoctype(void* self, const xmlChar* name, const xmlChar* externalId,
@@ -45,7 +46,7 @@ private:
     void StartDocument();
     void ReadDeclaration();
     void Stop();
-    void FlushText();
+    void FlushText(bool endsElement = false);
     void Append(NewNode node);
     void StartElement(const xmlChar* name, const xmlChar* prefix, const xmlChar* uri);
     void EndElement();
@@ -68,6 +69,7 @@ private:
     bool m_isStopped = false;
     std::array<bool, kMostParsedLevels + 1> m_preserves{};
     std::string m_text;
+    bool m_hasSection = false; ///< the text so far holds a CDATA section
     std::string m_value;
     std::exception_ptr m_failure;
 };

@@ -40,10 +40,11 @@ private:
 /// declaration (version, encoding name) is a property of the document, not a node. Threads: as
 /// XMLNode.
 ///
-/// Parsing drops texts of white space only (unless xml:space="preserve" is in effect), merges CDATA
-/// sections into the texts around them, and refuses a document that holds a document type
-/// declaration or nests deeper than 256 levels. Nothing is fetched from files or the network. A
-/// content that does not parse leaves an empty document.
+/// Parsing drops texts of white space only, unless xml:space="preserve" is in effect or the text is
+/// all that its element holds and has a CDATA section in it, which is how such values are written.
+/// It merges CDATA sections into the texts around them, and refuses a document that has a document
+/// type declaration or nests deeper than 256 levels. Nothing is fetched from files or the network.
+/// A content that does not parse leaves an empty document.
 class ENCAP_API XMLParser {
 public:
     /// An empty document.

@@ -38,14 +38,19 @@ std::vector<Example> ExamplesOf(const std::string& page)
     return examples;
 }
 
-/// The arguments between blanks, files of the repository by their full paths.
+/// The arguments between blanks, single quotes around one left out, files of the repository by
+/// their full paths.
 std::vector<std::string> ArgumentsOf(const std::string& command, const std::string& root)
 {
     std::vector<std::string> arguments;
-    std::istringstream in(command);
-    for (std::string word; in >> word;) {
+    for (std::size_t at = 0; at < command.size();) {
+        const char end = command[at] == '\'' ? '\'' : ' ';
+        at += end == ' ' ? 0 : 1;
+        const std::size_t behind = std::min(command.find(end, at), command.size());
+        const std::string word = command.substr(at, behind - at);
         const bool isFile = word.starts_with("samples/") || word.starts_with("tests/");
         arguments.push_back(isFile ? root + word : word);
+        at = command.find_first_not_of(' ', behind + (end == ' ' ? 0 : 1));
     }
     return arguments;
 }

@@ -121,6 +121,27 @@ TEST_F(Expressions, ValuesOfExpressionsComeFromCentimetres)
     EXPECT_FALSE(table.GetValueFromExpression(L"5*", L"mm", value));
 }
 
+TEST_F(Expressions, ReplacesReferencesByValuesWithTheirUnits)
+{
+    struct Case {
+        const wchar_t* text;
+        int result;
+        const wchar_t* replaced;
+    };
+    const Case cases[] = {
+        {L"{W} >= 2mm and { n }<4", 0, L"3mm >= 2mm and 2mm<4"},
+        {L"{SIZE}{FLAG}", 0, L"M8no"},
+        {L"no reference", 0, L"no reference"},
+        {L"{W}*{GONE}", 3, L"as it was"},
+        {L"{W}*{W", 2, L"as it was"},
+    };
+    for (const Case& one : cases) {
+        CString replaced = L"as it was";
+        EXPECT_EQ(one.result, table.ReplaceReferences(one.text, L"r", L"", replaced)) << one.text;
+        EXPECT_EQ(one.replaced, replaced);
+    }
+}
+
 TEST(Tokens, SplitAtBraces)
 {
     const auto list = encap::Tokenize(L"a{ B }+{C{d}");

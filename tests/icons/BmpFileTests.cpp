@@ -101,6 +101,11 @@ TEST(BmpFile, FailuresHaveTheirMessages)
     EXPECT_EQ(shown.Take(noFolder, false), Texts{Widen("Fail to create a bitmap file\xA3\xA1")});
     EXPECT_FALSE(CDib::WriteFile(file.c_str(), dib.data(), dib.size() - 1));
     EXPECT_EQ(shown.Take(file, false), Texts{L"Error when writing header of a bitmap file!"});
+    for (int step = 1; step <= 3; ++step) {
+        platform::FailReplaceStep(step);
+        EXPECT_FALSE(CDib::WriteFile(file.c_str(), dib.data(), dib.size()));
+        EXPECT_EQ(shown.Take(file, false), Texts{L"Error when writing header of a bitmap file!"});
+    }
 }
 
 TEST(BmpFile, RowsLieWhereTheFileSaysTopDownOnesIncluded)

@@ -3,10 +3,13 @@
 #include "encap/icons/Dib.h"
 #include "encap/icons/IconImage.h"
 #include "encap/icons/Palettes.h"
+#include "encap/icons/PngImage.h"
 #include "encap/platform/Clipboard.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <stdexcept>
+#include <tuple>
 
 namespace {
 
@@ -189,6 +192,124 @@ TEST(IconImage, GoesThroughBmpFiles)
                       copy.height, Opaque(pictures[index]));
     }
     EXPECT_EQ(kIcons.IconImageToBMPFile(file.c_str(), nullptr), 0);
+}
+
+/// An icon image of rows with the picture's transparency.
+void Fill(TargetImage& image, const Picture& picture)
+{
+    const PixelGrid grid = Draw(picture, image.width, image.height);
+    const std::vector<unsigned char> png = EncodePng(grid);
+    TargetImage whole(0, 0, 0);
+    ASSERT_NE(kIcons.IconImageFromPNG(&whole, png.data(), png.size()), 0);
+    ASSERT_NE(kIcons.ConvertIconImage(&image, &whole), 0);
+}
+
+void ExpectImage(const ICONIMAGE& image, const Picture& picture)
+{
+    ExpectPicture(HandlePointer(kIcons.MakeIconFromResource(&image)).get(), image.width,
+                  image.height, picture);
+}
+
+/// Full colour, of which a part is more or less transparent.
+uint32_t Window(uint32_t x, uint32_t y)
+{
+    constexpr uint32_t kAlphas[]{0, 127, 128, 255};
+    return (Vga(x, y) & 0xFFFFFF) | kAlphas[(x / 2 + y) % 4] << 24;
+}
+
+TEST(IconImage, ConvertedKeepsItsTransparency)
+{
+    const Picture seen = [](uint32_t x, uint32_t y) {
+        return Window(x, y) >> 31 != 0 ? Window(x, y) | 0xFF000000 : 0;
+    };
+    TargetImage source(8, 6, 32);
+    Fill(source, Window);
+    ExpectImage(source, Window);
+    for (const uint32_t bits : {4U, 8U, 24U}) {
+        SCOPED_TRACE(bits);
+        TargetImage target(8, 6, bits);
+        ASSERT_NE(kIcons.ConvertIconImage(&target, &source), 0);
+        ExpectImage(target, seen);
+        EXPECT_EQ(target.colours, bits);
+        // Under the mask all is black.
+        EXPECT_EQ(Colours(PackedBitmapOf(BitsOf(&target)))[0], 0U);
+    }
+    // Nothing but transparent pixels stays so: readers take alpha that is zero all over for none.
+    TargetImage clear(8, 6, 32);
+    Fill(clear, [](uint32_t, uint32_t) { return 0U; });
+    ExpectImage(clear, [](uint32_t, uint32_t) { return 0U; });
+}
+
+TEST(IconImage, StretchedWeighsColoursByAlpha)
+{
+    TargetImage source(4, 2, 32);
+    Fill(source, [](uint32_t x, uint32_t) { return x % 2 == 0 ? 0xFF4080C0 : 0x00FFFFFF; });
+    TargetImage half(2, 1, 32);
+    ASSERT_NE(kIcons.ConvertIconImage(&half, &source), 0);
+    ExpectImage(half, [](uint32_t, uint32_t) { return 0x804080C0; });
+    TargetImage twice(8, 4, 24);
+    ASSERT_NE(kIcons.ConvertIconImage(&twice, &source), 0);
+    ExpectImage(twice, [](uint32_t x, uint32_t) { return x / 2 % 2 == 0 ? 0xFF4080C0 : 0; });
+}
+
+TEST(IconImage, OfTheSameFormatIsCopiedAndADamagedOneLeavesTheTarget)
+{
+    const IconPointer icon(kIcons.ReadIconFromICOFile(Fixture("icotool-depths.ico").c_str()));
+    ASSERT_NE(icon, nullptr);
+    const ICONIMAGE* images = icon->images;
+    TargetImage same(16, 16, 4);
+    ASSERT_NE(kIcons.ConvertIconImage(&same, images + 1), 0);
+    EXPECT_TRUE(std::equal(same.bits, same.bits + same.byteCount, images[1].bits,
+                           images[1].bits + images[1].byteCount));
+    // At equal depth another size keeps the source's own colour table.
+    TargetImage small(8, 8, 8);
+    ASSERT_NE(kIcons.ConvertIconImage(&small, images + 2), 0);
+    EXPECT_EQ(Palette(PackedBitmapOf(BitsOf(&small))), Palette(PackedBitmapOf(BitsOf(images + 2))));
+
+    const unsigned char* const bits = same.bits;
+    TargetImage none(16, 16, 4);
+    ICONIMAGE cut = images[4];
+    cut.byteCount = 1000;
+    EXPECT_EQ(kIcons.ConvertIconImage(&same, &cut), 0);
+    EXPECT_EQ(kIcons.ConvertIconImage(&same, &none), 0);
+    EXPECT_EQ(kIcons.ConvertIconImage(&same, nullptr), 0);
+    EXPECT_EQ(kIcons.ConvertIconImage(nullptr, images), 0);
+    for (const auto& [width, height, depth] :
+         {std::tuple(0U, 16U, 4U), {16U, 16U, 5U}, {4096U, 1025U, 4U}, {~0U, ~0U, 32U}}) {
+        same.width = width;
+        same.height = height;
+        same.colours = depth;
+        EXPECT_EQ(kIcons.ConvertIconImage(&same, images + 4), 0);
+    }
+    EXPECT_EQ(same.bits, bits);
+}
+
+TEST(IconImage, GoesThroughPngFiles)
+{
+    const IconPointer icon(kIcons.ReadIconFromICOFile(Fixture("icotool-depths.ico").c_str()));
+    ASSERT_NE(icon, nullptr);
+    const std::vector<Picture> pictures{Checks, Vga, Ramp, Grad, Glass, Grad, Glass};
+    const ICONIMAGE* images = icon->images;
+    TargetImage copy(0, 0, 0);
+    for (uint32_t index = 0; index < icon->imageCount; ++index) {
+        SCOPED_TRACE(index);
+        const std::vector<unsigned char> png = kIcons.IconImageToPNG(images + index);
+        ASSERT_NE(kIcons.IconImageFromPNG(&copy, png.data(), png.size()), 0);
+        EXPECT_EQ(copy.width, images[index].width);
+        EXPECT_EQ(copy.colours, 32U);
+        ExpectImage(copy, pictures[index]);
+    }
+    const ByteView stored = BitsOf(images + 6);
+    EXPECT_TRUE(std::equal(stored.begin(), stored.end(), copy.bits, copy.bits + copy.byteCount))
+        << "a PNG image is kept byte for byte";
+    EXPECT_EQ(kIcons.IconImageFromPNG(&copy, stored.data(), 32), 0);
+    EXPECT_EQ(kIcons.IconImageFromPNG(&copy, images[0].bits, images[0].byteCount), 0);
+    EXPECT_EQ(kIcons.IconImageFromPNG(&copy, nullptr, 100), 0);
+    ExpectImage(copy, Glass);
+    ICONIMAGE cut = images[4];
+    cut.byteCount = 1000;
+    EXPECT_TRUE(kIcons.IconImageToPNG(&cut).empty());
+    EXPECT_TRUE(kIcons.IconImageToPNG(nullptr).empty());
 }
 
 TEST(IconHandle, ALargeImageIsScaledDownButNotAt16Bits)

@@ -224,6 +224,15 @@ TEST(IcoFile, RefusesToWriteWhatNoFileCanHold)
     const CString noFolder = folder.File(L"none/out.ico");
     EXPECT_EQ(kIcons.WriteIconToICOFile({&image}, noFolder.c_str()), 0);
     EXPECT_EQ(shown.Take(noFolder, true), Texts{L"Error when creating a file!"});
+
+    // A full disk shows in the header; a write that fails later has no message.
+    const Texts messages[]{{L"Error when writing header of an icon file!"}, {}, {}};
+    for (int step = 1; step <= 3; ++step) {
+        platform::FailReplaceStep(step);
+        EXPECT_EQ(kIcons.WriteIconToICOFile({&image}, file.c_str()), 0);
+        EXPECT_EQ(shown.Take(file, true), messages[step - 1]) << step;
+    }
+    EXPECT_TRUE(folder.Names().empty());
 }
 
 /// A small file with rows at 1, 4 and 24 bits.

@@ -6,6 +6,7 @@
 #include "encap/platform/Files.h"
 #include "encap/platform/MessageBox.h"
 #include "tests/platform/TemporaryFolder.h"
+#include "tests/support/PlatformFacts.h"
 
 #include <memory>
 #include <string>

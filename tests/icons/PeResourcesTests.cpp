@@ -183,6 +183,66 @@ TEST(DamagedExecutable, ATreeThatLeadsIntoItselfEnds)
     EXPECT_TRUE(ReadIconGroup(AsBytes(group + "x")));
 }
 
+TEST(PeResources, AllGroupsOfAFileAreReadInItsOrder)
+{
+    ShownMessages shown;
+    for (const char* library : kLibraries) {
+        const CString file = Fixture(library);
+        std::vector<NamedIconResource> icons;
+        ASSERT_TRUE(kIcons.ReadIconsFromEXEFile(file.c_str(), icons));
+        ASSERT_EQ(icons.size(), 2U);
+        EXPECT_EQ(icons[0].name, L"MAINICON");
+        EXPECT_EQ(icons[1].name, L"#7");
+        for (const NamedIconResource& named : icons) {
+            const IconPointer single = ReadGroup(file, named.name.c_str());
+            ASSERT_TRUE(named.icon != nullptr && single != nullptr);
+            EXPECT_EQ(named.icon->exeFileName, file);
+            ASSERT_EQ(named.icon->imageCount, single->imageCount);
+            EXPECT_TRUE(std::equal(named.icon->images[0].bits,
+                                   named.icon->images[0].bits + named.icon->images[0].byteCount,
+                                   single->images[0].bits));
+        }
+        EXPECT_EQ(shown.Take(file, true), Texts{});
+    }
+}
+
+TEST(DamagedExecutable, ItsIconsAreNamedAndLimitedByItsLength)
+{
+    constexpr uint32_t kSub = 0x80000000;
+    constexpr uint32_t kGroups = 2000;
+    const TemporaryFolder folder;
+    const CString file = folder.File(L"many.dll");
+    // Many names that share one long text, and many groups without images that share their bytes.
+    const uint32_t end = 24 + 16 + kGroups * 8;
+    std::string names = Directory(14, kSub | 24) + std::string(12, '\0') + Le16(kGroups) + Le16(0);
+    for (uint32_t index = 0; index < kGroups; ++index) {
+        names += Le32(kSub | (end + 24 + 16 + 8)) + Le32(kSub | end);
+    }
+    const std::string data = Directory(0, end + 24) + Le32(0x1000 + end + 40) + Le32(6) + Le32(0) +
+                             Le32(0) + Le16(0) + Le16(1) + Le16(0) + Le16(0);
+    WriteBytes(file, Executable(names + data + Le16(100) + std::string(200, 'x')));
+    std::vector<NamedIconResource> icons;
+    ASSERT_TRUE(kIcons.ReadIconsFromEXEFile(file.c_str(), icons));
+    ASSERT_GT(icons.size(), 1U);
+    EXPECT_LT(icons.size(), kGroups);
+    EXPECT_EQ(icons[0].name, CString(100, static_cast<wchar_t>(0x7878)));
+    EXPECT_NE(icons[0].icon, nullptr);
+    EXPECT_EQ(icons.back().icon, nullptr);
+
+    // A group that does not hold what it counts has no icon; a name past the end is left out.
+    const std::string one = Directory(14, kSub | 24) + std::string(12, '\0') + Le16(1) + Le16(1) +
+                            Le32(0xFFFFFFFF) + Le32(0) + Le32(9) + Le32(kSub | 56) +
+                            Directory(0, 80) + Le32(0x1000) + Le32(6) + Le32(0) + Le32(0);
+    WriteBytes(file, Executable(one));
+    ASSERT_TRUE(kIcons.ReadIconsFromEXEFile(file.c_str(), icons));
+    ASSERT_EQ(icons.size(), 1U);
+    EXPECT_EQ(icons[0].name, L"#9");
+    ShownMessages shown;
+    EXPECT_FALSE(kIcons.ReadIconsFromEXEFile(folder.File(L"none").c_str(), icons));
+    EXPECT_EQ(shown.Take(folder.File(L"none"), true).size(), 2U);
+    EXPECT_TRUE(icons.empty());
+}
+
 bool HasSame(ByteView got, ByteView wanted)
 {
     return std::equal(got.begin(), got.end(), wanted.begin(), wanted.end());

@@ -60,9 +60,7 @@ inline Picture Opaque(const Picture& picture)
     return [picture](uint32_t x, uint32_t y) { return picture(x, y) | 0xFF000000; };
 }
 
-/// The picture as a packed 32-bit bitmap.
-inline std::vector<unsigned char> PackPicture(const Picture& picture, uint32_t width,
-                                              uint32_t height)
+inline encap::PixelGrid Draw(const Picture& picture, uint32_t width, uint32_t height)
 {
     encap::PixelGrid grid{width, height, {}};
     for (uint32_t y = 0; y < height; ++y) {
@@ -70,7 +68,14 @@ inline std::vector<unsigned char> PackPicture(const Picture& picture, uint32_t w
             grid.pixels.push_back(picture(x, y));
         }
     }
-    return encap::PackPixels(grid);
+    return grid;
+}
+
+/// The picture as a packed 32-bit bitmap.
+inline std::vector<unsigned char> PackPicture(const Picture& picture, uint32_t width,
+                                              uint32_t height)
+{
+    return encap::PackPixels(Draw(picture, width, height));
 }
 
 /// Expects the handle's pixels to be the picture; colours under full transparency do not count.

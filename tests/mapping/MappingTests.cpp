@@ -77,6 +77,11 @@ TEST(Mapping, NamesItsTemplates)
     EXPECT_NE(mapping.AddFamilyTemplate(L"C"), nullptr);
     EXPECT_EQ(mapping.GetTemplateNames(), (std::vector<CString>{L"B", L"A", L"C"}));
     EXPECT_EQ(CountOf(family.Root(), L"FamilyTemplates/FamilyTemplate"), 4U);
+    // A name is what the document holds of it.
+    EXPECT_NE(mapping.AddFamilyTemplate(CString(L"D\0E", 3)), nullptr);
+    EXPECT_EQ(mapping.GetTemplateNames().back(), L"D");
+    EXPECT_NE(mapping.AddFamilyTemplate(L"F\x01"), nullptr);
+    EXPECT_EQ(mapping.AddFamilyTemplate(L"F\xFFFD"), mapping.AddFamilyTemplate(L"F\x01"));
 }
 
 TEST(Mapping, AnEmptyOneChangesNothing)

@@ -1,6 +1,7 @@
 #include "encap/platform/Files.h"
 
 #include "tests/platform/TemporaryFolder.h"
+#include "tests/support/PlatformFacts.h"
 
 #include <gtest/gtest.h>
 
@@ -106,6 +107,33 @@ TEST(Files, DirectoriesAreMadeWithTheirParentsBehindEitherSeparator)
     EXPECT_TRUE(ReplaceFileContent(folder.File(L"a\\b\\c\\file"), "x"));
     EXPECT_EQ(Content(folder.File(L"a/b/c/file")), "x");
     EXPECT_EQ(folder.Names(), Names{"a"});
+}
+
+TEST(Files, NamesMayDifferInCaseWhereTheSystemSaysSo)
+{
+    const TemporaryFolder folder;
+    ASSERT_TRUE(ReplaceFileContent(folder.File(L"Nuts.xml"), "x"));
+    EXPECT_EQ(FileExists(folder.File(L"nuts.XML")), kFileNamesIgnoreCase);
+    EXPECT_TRUE(ReplaceFileContent(folder.File(L"nuts.XML"), "y"));
+    EXPECT_EQ(Content(folder.File(L"Nuts.xml")), kFileNamesIgnoreCase ? "y" : "x");
+    EXPECT_EQ(folder.Names().size(), kFileNamesIgnoreCase ? 1U : 2U);
+}
+
+TEST(Files, PathsMayBeLong)
+{
+    const TemporaryFolder folder;
+    CString directory = folder.File(L"");
+    for (int i = 0; i < 4; ++i) {
+        directory += CString(80, L'\u00E4') + L"/";
+    }
+    const CString path = directory + L"\U0001F600.xml";
+    ASSERT_TRUE(MakeDirectories(directory));
+    EXPECT_TRUE(ReplaceFileContent(path, "old"));
+    EXPECT_TRUE(ReplaceFileContent(path, "new"));
+    EXPECT_TRUE(FileExists(path));
+    EXPECT_EQ(Content(path), "new");
+    EXPECT_TRUE(DeleteFileIfPresent(path));
+    EXPECT_FALSE(FileExists(path));
 }
 
 TEST(Files, PathsThatCannotBeExpressedFail)

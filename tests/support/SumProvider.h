@@ -2,6 +2,7 @@
 
 #include "encap/foundation/Types.h"
 #include "tests/support/FakeProvider.h"
+#include "tests/support/Sanitized.h"
 
 #include <charconv>
 #include <cstdio>
@@ -10,19 +11,6 @@
 #include <utility>
 
 namespace encap::test {
-
-/// Whether the tests run slowly, under the address sanitizer.
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-inline constexpr bool kSanitized = true;
-#else
-inline constexpr bool kSanitized = false;
-#endif
-#else
-inline constexpr bool kSanitized = false;
-#endif
 
 /// The number at the start of a text, and how many characters it takes.
 inline std::pair<double, std::size_t> NumberAt(const CString& text, std::size_t place)

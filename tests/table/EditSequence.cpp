@@ -3,6 +3,7 @@
 #include "tests/support/FamilyBuilder.h"
 
 #include <algorithm>
+#include <random>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -23,7 +24,13 @@ Saved Save(CEncapFamily& family)
     return saved;
 }
 
-EditSequence::EditSequence(uint32_t seed) : m_random(seed)
+EditSequence::EditSequence(uint32_t seed)
+    : EditSequence(
+          [random = std::mt19937(seed)]() mutable { return static_cast<uint32_t>(random()); })
+{
+}
+
+EditSequence::EditSequence(std::function<uint32_t()> next) : m_next(std::move(next))
 {
     TableModel::Strings none;
     m_model.strings = {{L"en", none}, {L"de", none}};
@@ -95,7 +102,7 @@ CString EditSequence::Step()
 
 int EditSequence::Below(int limit)
 {
-    return static_cast<int>(m_random() % static_cast<uint32_t>(std::max(limit, 1)));
+    return static_cast<int>(m_next() % static_cast<uint32_t>(std::max(limit, 1)));
 }
 
 CString EditSequence::OneOf(const Texts& texts)

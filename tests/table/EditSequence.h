@@ -8,8 +8,8 @@
 #include "tests/table/ModelComparison.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <random>
 #include <utility>
 
 namespace encap::test {
@@ -27,6 +27,8 @@ Saved Save(CEncapFamily& family);
 class EditSequence {
 public:
     explicit EditSequence(uint32_t seed);
+    /// Every choice is a number that next gives.
+    explicit EditSequence(std::function<uint32_t()> next);
 
     /// One edit and every comparison; the differences, empty when there are none.
     CString Step();
@@ -87,7 +89,7 @@ private:
     /// Edits that must leave everything as it was, the checks of formulas among them.
     bool Refused();
 
-    std::mt19937 m_random;
+    std::function<uint32_t()> m_next;
     SumProvider m_host;
     TableModel m_model;
     std::unique_ptr<TemporaryFolder> m_folder;

@@ -6,7 +6,6 @@
 #include "tests/support/FakeProvider.h"
 #include "tests/support/FamilyBuilder.h"
 
-#include <fstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -21,9 +20,10 @@ TEST(ValueCacheStore, KeepsValuesByRowColumnAndLanguage)
     ValueCacheStore store(L"");
     const uint32_t a = store.ColumnNumber(L"A");
     const uint32_t b = store.ColumnNumber(L"B");
-    store.Set(L"r", a, L"en", L"1");
-    store.Set(L"r", b, L"en", CString(40, L'\x4E2D'));
-    store.Set(L"r", a, L"de", L"");
+    CValueCacheLoc& row = *store.RowCache(L"r", true);
+    row.Set(store.LanguageNumber(L"en"), a, L"1");
+    row.Set(store.LanguageNumber(L"en"), b, CString(40, L'\x4E2D'));
+    row.Set(store.LanguageNumber(L"de"), a, L"");
     CString value = L"kept";
     EXPECT_EQ(store.Get(L"r", b, L"de", value), 1);
     EXPECT_EQ(store.Get(L"R", a, L"en", value), 1) << "exact";
@@ -95,13 +95,6 @@ protected:
         return bytes;
     }
 
-    /// Puts other bytes into the file, without the flushes of a careful save.
-    void Damage(const std::string& bytes) const
-    {
-        std::ofstream file(folder.Native(L"TableCache_4711.dat"), std::ios::binary);
-        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    }
-
     encap::platform::ScopedUserLocale locale;
     TemporaryFolder folder;
     CString path;
@@ -155,7 +148,7 @@ TEST_F(CacheFile, LongTextsKeepTheirLengths)
 {
     for (const std::size_t length : {0U, 254U, 255U, 65533U, 65534U, 65536U}) {
         ValueCacheStore store(folder.File(L"").c_str());
-        store.Set(L"r", store.ColumnNumber(L"A"), L"en", CString(length, L'x'));
+        store.RowCache(L"r", true)->Set(L"A", L"en", CString(length, L'x').c_str());
         store.Save({L"A"}, [](const CString&) { return true; });
         ValueCacheStore again(folder.File(L"").c_str());
         CString value;
@@ -186,41 +179,4 @@ TEST_F(CacheFile, ServesNoValueThatAnEditMadeWrong)
     CString value;
     family.GetEncapFamilyTable()->GetValue(L"own", L"T", value);
     EXPECT_EQ(value, L"8");
-}
-
-TEST_F(CacheFile, DamageCostsOnlyWhatIsBehindIt)
-{
-    Fill();
-    const std::string whole = Bytes();
-    const auto expectRightValues = [&] {
-        const auto family = Open();
-        EXPECT_EQ(CellText(*family, L"r", L"X"), L"6");
-        EXPECT_EQ(CellText(*family, L"s", L"X"), L"8");
-    };
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        Damage(whole.substr(0, length));
-        expectRightValues();
-    }
-    Damage(whole.substr(0, whole.size() - 1));
-    const auto family = Open();
-    EXPECT_EQ(CellText(*family, L"r", L"X"), L"6");
-    EXPECT_TRUE(provider.calls.empty()) << "the rows before the damage are used";
-}
-
-TEST_F(CacheFile, OtherVersionsAndAbsurdCountsAreSurvived)
-{
-    Fill();
-    const std::string whole = Bytes();
-    for (std::size_t at = 0; at < whole.size(); ++at) {
-        std::string damaged = whole;
-        damaged[at] = '\xFF';
-        Damage(damaged);
-        ValueCacheStore store(folder.File(L"").c_str());
-        EXPECT_FALSE(store.IsChanged()) << at;
-    }
-    std::string future = whole;
-    future[0] = 2;
-    Damage(future);
-    ValueCacheStore store(folder.File(L"").c_str());
-    EXPECT_EQ(store.RowCache(L"r", false), nullptr);
 }

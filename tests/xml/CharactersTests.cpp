@@ -15,6 +15,8 @@ std::vector<TextCase> TextCases()
     std::vector<TextCase> cases = {
         {L"R&D < x > \"y\" 'z' ]]> &amp; &#65;", L"R&D < x > \"y\" 'z' ]]> &amp; &#65;"},
         {L"a\tb\nc\rd\r\ne", L"a\tb\nc\rd\r\ne"},
+        {L" ", L" "},
+        {L"\r \n\t\r\n", L"\r \n\t\r\n"},
         {L"\x00E4\x20AC\xFFFD", L"\x00E4\x20AC\xFFFD"},
         {encap::platform::Utf8ToWide("\xF0\x9F\x94\xA9"),
          encap::platform::Utf8ToWide("\xF0\x9F\x94\xA9")},

@@ -4,6 +4,7 @@
 #include "tests/xml/XmlTestSupport.h"
 
 #include <filesystem>
+#include <regex>
 
 #include <gmock/gmock.h>
 
@@ -162,8 +163,8 @@ TEST(XmlFilesWithoutAPath, GoToANewFileInTheTemporaryDirectory)
         const CString path = Utf8ToWide(entry.path().string());
         std::string bytes;
         if (name.size() == 42 && ReadWholeFile(path, bytes) && bytes == "<" + mark + "/>\n") {
-            EXPECT_THAT(name, testing::MatchesRegex("\\{[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-"
-                                                    "[0-9A-F]{4}-[0-9A-F]{12}\\}\\.xml"));
+            const std::regex pattern("\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}\\.xml");
+            EXPECT_TRUE(std::regex_match(name, pattern)) << name;
             EXPECT_TRUE(DeleteFileIfPresent(path));
             ++files;
         }

@@ -19,6 +19,11 @@ Store& ProcessStore()
 
 } // namespace
 
+bool SystemClipboardIsShared()
+{
+    return false;
+}
+
 bool OfferSystemClipboardBitmap(const ClipboardBitmap& bitmap)
 {
     Store& store = ProcessStore();

@@ -130,20 +130,21 @@ bool FollowLinks(std::string& path)
     return false;
 }
 
-bool WriteAll(int descriptor, std::string_view bytes)
+Replacement WriteAll(int descriptor, std::string_view bytes)
 {
     if (StepIsMadeToFail()) {
-        return false;
+        return Replacement::NotBegun;
     }
+    const std::size_t whole = bytes.size();
     while (!bytes.empty()) {
         const ssize_t written =
             Uninterrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
         if (written <= 0) {
-            return false;
+            return bytes.size() == whole ? Replacement::NotBegun : Replacement::NotFinished;
         }
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    return true;
+    return Replacement::Done;
 }
 
 bool Flush(int descriptor)
@@ -262,18 +263,18 @@ bool ReadWholeFile(const CString& path, std::string& bytes)
     return true;
 }
 
-bool ReplaceFileContent(const CString& path, std::string_view bytes)
+Replacement TryReplaceFile(const CString& path, std::string_view bytes)
 {
     std::string target;
     if (!NativePath(path, target) || !FollowLinks(target)) {
-        return false;
+        return Replacement::NotCreated;
     }
     struct stat old {};
     const bool replaces = stat(target.c_str(), &old) == 0;
     // A rename would put a plain file in a device's place and get around a write protection.
     if (replaces &&
         (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)) {
-        return false;
+        return Replacement::NotCreated;
     }
 
     constexpr mode_t kPrivate = 0600;
@@ -282,16 +283,25 @@ bool ReplaceFileContent(const CString& path, std::string_view bytes)
     std::string temporaryPath;
     Descriptor file(CreateTemporary(directory, replaces ? kPrivate : kAsUserAllows, temporaryPath));
     if (!file.IsOpen()) {
-        return false;
+        return Replacement::NotCreated;
     }
     TemporaryFile temporary(temporaryPath);
-    if (!WriteAll(file.Get(), bytes) || (replaces && !CopyPermissions(file.Get(), old)) ||
-        !Flush(file.Get()) || !file.Close() || !Rename(temporary.Path(), target)) {
-        return false;
+    const Replacement written = WriteAll(file.Get(), bytes);
+    if (written != Replacement::Done) {
+        return written;
+    }
+    if ((replaces && !CopyPermissions(file.Get(), old)) || !Flush(file.Get()) || !file.Close() ||
+        !Rename(temporary.Path(), target)) {
+        return Replacement::NotFinished;
     }
     temporary.Keep();
     FlushDirectory(directory);
-    return true;
+    return Replacement::Done;
+}
+
+bool ReplaceFileContent(const CString& path, std::string_view bytes)
+{
+    return TryReplaceFile(path, bytes) == Replacement::Done;
 }
 
 bool DeleteFileIfPresent(const CString& path)

@@ -49,15 +49,6 @@ constexpr NamedLocale kLocales[] = {
     {"zh_HK", 3076},          {"zh_SG", 4100},         {"zh_TW", 1028},
 };
 
-struct LocaleOverride {
-    bool active = false;
-    wchar_t decimalSeparator = L'.';
-    int32_t localeId = kLocaleIdOfC;
-};
-
-/// Per thread, so that tests that run side by side do not see each other's locale.
-thread_local LocaleOverride g_override;
-
 std::string_view Environment(const char* name)
 {
     const char* const value = std::getenv(name);
@@ -96,11 +87,8 @@ uint32_t HashOf(std::string_view name)
 
 } // namespace
 
-wchar_t UserDecimalSeparator()
+wchar_t SystemDecimalSeparator()
 {
-    if (g_override.active) {
-        return g_override.decimalSeparator;
-    }
     const locale_t locale = newlocale(LC_NUMERIC_MASK, "", static_cast<locale_t>(nullptr));
     if (locale == static_cast<locale_t>(nullptr)) {
         return L'.';
@@ -112,11 +100,8 @@ wchar_t UserDecimalSeparator()
     return usable ? separator.front() : L'.';
 }
 
-int32_t UserLocaleId()
+int32_t SystemLocaleId()
 {
-    if (g_override.active) {
-        return g_override.localeId;
-    }
     // language_TERRITORY.codeset@modifier: the codeset never tells locales apart, a modifier may.
     const std::string_view full = NumericLocaleName();
     const std::size_t modifierAt = std::min(full.find('@'), full.size());
@@ -128,18 +113,6 @@ int32_t UserLocaleId()
         }
     }
     return static_cast<int32_t>(0x10000 + (HashOf(name) & 0xFFFF));
-}
-
-ScopedUserLocale::ScopedUserLocale(wchar_t decimalSeparator, int32_t localeId)
-    : m_wasActive(g_override.active), m_previousSeparator(g_override.decimalSeparator),
-      m_previousId(g_override.localeId)
-{
-    g_override = {true, decimalSeparator, localeId};
-}
-
-ScopedUserLocale::~ScopedUserLocale()
-{
-    g_override = {m_wasActive, m_previousSeparator, m_previousId};
 }
 
 } // namespace encap::platform

@@ -2,7 +2,10 @@
 #include "tests/platform/TemporaryFolder.h"
 #include "tests/platform/posix/EnvironmentVariable.h"
 
+#include <csignal>
+
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -70,6 +73,46 @@ TEST(PosixFiles, AProtectedFileIsNotReplaced)
     }
     EXPECT_FALSE(ReplaceFileContent(path, "new"));
     EXPECT_EQ(Content(path), "kept");
+    EXPECT_EQ(folder.Names().size(), 1U);
+}
+
+/// Files of this process become no longer than this while it lives; a write past it fails.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        rlimit limit = m_old;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_old{};
+    void (*m_handler)(int);
+};
+
+TEST(PosixFiles, AReplacementTellsHowFarItCame)
+{
+    const TemporaryFolder folder;
+    const CString path = folder.File(L"f");
+    const auto withRoomFor = [&](rlim_t bytes) {
+        const FileSizeLimit limit(bytes);
+        return TryReplaceFile(path, "content");
+    };
+    EXPECT_EQ(withRoomFor(7), Replacement::Done);
+    EXPECT_EQ(withRoomFor(0), Replacement::NotBegun);
+    EXPECT_EQ(withRoomFor(6), Replacement::NotFinished);
+    EXPECT_EQ(TryReplaceFile(folder.File(L"none/f"), "x"), Replacement::NotCreated);
+    EXPECT_EQ(TryReplaceFile(folder.File(L""), "x"), Replacement::NotCreated);
+    EXPECT_EQ(Content(path), "content");
     EXPECT_EQ(folder.Names().size(), 1U);
 }
 
