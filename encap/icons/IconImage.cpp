@@ -100,20 +100,28 @@ std::vector<unsigned char> MaskRows(const PixelGrid& grid, uint32_t leastAlpha)
     return rows;
 }
 
-/// Gives the image the rows of a new bitmap and their mask in place of its bits.
-bool ReplaceBits(ICONIMAGE& image, std::vector<unsigned char> dib,
+/// Gives the image a copy of the bytes in place of its bits; false, with the old bits left, when
+/// there is no memory. REQUIRES: the bytes are a whole image.
+bool ReplaceBits(ICONIMAGE& image, ByteView bytes)
+{
+    ICONIMAGE made{};
+    if (!CopyImageBits(made, bytes)) {
+        return false;
+    }
+    std::free(std::exchange(image.bits, made.bits));
+    image.byteCount = made.byteCount;
+    return AdjustIconImagePointers(&image);
+}
+
+/// The same with the rows of a bitmap and their mask.
+bool ReplaceRows(ICONIMAGE& image, std::vector<unsigned char> dib,
                  const std::vector<unsigned char>& mask)
 {
     BitmapHeader header = ReadBitmapHeader(dib.data());
     header.height *= 2;
     WriteBitmapHeader(dib.data(), header);
     dib.insert(dib.end(), mask.begin(), mask.end());
-    unsigned char* const oldBits = image.bits;
-    if (!CopyImageBits(image, dib)) {
-        return false;
-    }
-    std::free(oldBits);
-    return AdjustIconImagePointers(&image);
+    return ReplaceBits(image, dib);
 }
 
 bool HasFormat(const PackedBitmap& bitmap, const BitmapFormat& format)
@@ -251,21 +259,14 @@ bool SetImageFromBitmap(ICONIMAGE* image, ByteView dib, bool stretch)
     }
     MakeOpaque(bits);
     const std::vector<unsigned char> mask(BytesPerRow(format.width, 1) * format.height);
-    return ReplaceBits(*image, std::move(bits), mask);
+    return ReplaceRows(*image, std::move(bits), mask);
 }
 
 bool SetImageFromPng(ICONIMAGE* image, ByteView png)
 {
-    if (image == nullptr || png.size() > std::numeric_limits<uint32_t>::max()) {
-        return false;
-    }
-    ICONIMAGE made{};
-    if (!ReadPngHeader(png) || png.size() < kBitmapHeaderBytes || !CopyImageBits(made, png)) {
-        return false;
-    }
-    std::free(image->bits);
-    *image = made;
-    return AdjustIconImagePointers(image);
+    const bool isWhole = ReadPngHeader(png) && png.size() >= kBitmapHeaderBytes &&
+                         png.size() <= std::numeric_limits<uint32_t>::max();
+    return image != nullptr && isWhole && ReplaceBits(*image, png);
 }
 
 bool SetImageFromImage(ICONIMAGE* image, ByteView source)
@@ -277,13 +278,7 @@ bool SetImageFromImage(ICONIMAGE* image, ByteView source)
     const std::optional<PackedBitmap> rows =
         PackedBitmap::Open(source, PackedBitmap::Rows::ColourHalf);
     if (rows && HasFormat(*rows, format)) {
-        ICONIMAGE made{};
-        if (!CopyImageBits(made, source)) {
-            return false;
-        }
-        std::free(image->bits);
-        *image = made;
-        return AdjustIconImagePointers(image);
+        return ReplaceBits(*image, source);
     }
     std::optional<PixelGrid> grid = PixelsAt(source, format.width, format.height);
     if (!grid) {
@@ -298,7 +293,7 @@ bool SetImageFromImage(ICONIMAGE* image, ByteView source)
     const std::vector<uint32_t> palette =
         rows ? TargetPalette(*rows, format.bitsPerPixel) : DefaultPalette(format.bitsPerPixel);
     std::vector<unsigned char> dib = PackPixels(*grid, format.bitsPerPixel, palette);
-    return !dib.empty() && ReplaceBits(*image, std::move(dib), mask);
+    return !dib.empty() && ReplaceRows(*image, std::move(dib), mask);
 }
 
 } // namespace encap

@@ -96,7 +96,7 @@ TEST(Encodings, LongTextsSurviveTheEndsOfPieces)
         }
         CString expected;
         std::string content;
-        for (int i = 0; i < 20000; ++i) {
+        for (std::size_t i = 0; i < 20000; ++i) {
             expected.append(text).append(i % 3, L'.');
             content.append(bytes).append(i % 3, '.');
         }

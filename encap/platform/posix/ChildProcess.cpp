@@ -121,9 +121,12 @@ private:
 File InputFile(std::string_view input)
 {
     File file(std::tmpfile());
-    const bool isWritten = file != nullptr &&
-                           std::fwrite(input.data(), 1, input.size(), file.get()) == input.size() &&
-                           std::fflush(file.get()) == 0;
+    if (file == nullptr) {
+        return nullptr;
+    }
+    const bool isWritten =
+        input.empty() || (std::fwrite(input.data(), 1, input.size(), file.get()) == input.size() &&
+                          std::fflush(file.get()) == 0);
     if (!isWritten) {
         return nullptr;
     }
