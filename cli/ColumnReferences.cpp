@@ -4,6 +4,7 @@
 #include "cli/FamilyEdit.h"
 #include "cli/FormulaFault.h"
 #include "cli/FormulaText.h"
+#include "cli/NodeReads.h"
 #include "encap/foundation/CaseFolding.h"
 #include "encap/foundation/TextFormat.h"
 #include "encap/table/FamilyTable.h"
@@ -13,20 +14,6 @@
 
 namespace encap::cli {
 namespace {
-
-CString PropertyOf(const XMLNode& node, const wchar_t* name)
-{
-    CString value;
-    node.GetProperty(name, value);
-    return value;
-}
-
-XMLNodeArray Selected(const XMLNode& node, const wchar_t* path)
-{
-    XMLNodeArray nodes;
-    node.SelectChildNodes(path, nodes);
-    return nodes;
-}
 
 /// A text of a document that is evaluated: an attribute, or an element's text.
 struct FormulaPlace {

@@ -1,6 +1,7 @@
 #include "cli/DocumentChanges.h"
 
 #include "cli/ElementMatch.h"
+#include "cli/NodeReads.h"
 #include "encap/foundation/NumberText.h"
 
 #include <algorithm>
@@ -12,13 +13,6 @@ CString Quoted(const CString& text)
 {
     constexpr std::size_t kMost = 200;
     return L'"' + (text.size() <= kMost ? text : text.substr(0, kMost) + L"...") + L'"';
-}
-
-CString TextOf(const XMLNode& node)
-{
-    CString text;
-    node.GetNodeText(text);
-    return text;
 }
 
 /// But for the one that is in the label.

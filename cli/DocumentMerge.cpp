@@ -1,6 +1,7 @@
 #include "cli/DocumentMerge.h"
 
 #include "cli/ElementMatch.h"
+#include "cli/NodeReads.h"
 #include "cli/XmlTags.h"
 #include "encap/foundation/TextFormat.h"
 
@@ -70,20 +71,6 @@ CString IndentationIn(std::wstring_view gap)
         return {};
     }
     return CString(gap.substr(line > 0 && gap[line - 1] == L'\r' ? line - 1 : line));
-}
-
-CString TextOf(const XMLNode& node)
-{
-    CString text;
-    node.GetNodeText(text);
-    return text;
-}
-
-CString PropertyOf(const XMLNode& node, const CString& name)
-{
-    CString value;
-    node.GetProperty(name.c_str(), value);
-    return value;
 }
 
 CStringArray PropertyNames(const XMLNode& node)
@@ -193,17 +180,18 @@ std::wstring_view Merge::WriteTag(const Place& place, const XMLNode& before, con
         const CString name(tag.substr(start, tag.find_first_of(L" \t\r\n=", start) - start));
         const std::size_t quote = tag.find_first_of(L"\"'", start);
         const std::size_t end = tag.find(tag[quote], quote + 1) + 1;
-        if (PropertyOf(before, name) == PropertyOf(after, name) && Holds(names, name)) {
+        if (PropertyOf(before, name.c_str()) == PropertyOf(after, name.c_str()) &&
+            Holds(names, name)) {
             m_out += tag.substr(position, end - position);
         } else if (Holds(names, name)) {
             m_out += tag.substr(position, quote + 1 - position);
-            m_out += Escaped(PropertyOf(after, name), true) + tag[quote];
+            m_out += Escaped(PropertyOf(after, name.c_str()), true) + tag[quote];
         }
         position = end;
     }
     for (const CString& name : names) {
         if (!Holds(oldNames, name)) {
-            m_out += L' ' + name + L"=\"" + Escaped(PropertyOf(after, name), true) + L'"';
+            m_out += L' ' + name + L"=\"" + Escaped(PropertyOf(after, name.c_str()), true) + L'"';
         }
     }
     return tag.substr(position);
@@ -297,7 +285,8 @@ void Merge::WriteNew(const XMLNode& element, const CString& indentation, bool is
     element.GetNodeName(name);
     m_out += L'<' + name;
     for (const CString& property : PropertyNames(element)) {
-        m_out += L' ' + property + L"=\"" + Escaped(PropertyOf(element, property), true) + L'"';
+        m_out +=
+            L' ' + property + L"=\"" + Escaped(PropertyOf(element, property.c_str()), true) + L'"';
     }
     const std::vector<XMLNode> children = ElementsOf(element);
     const CString text = children.empty() ? TextOf(element) : CString();

@@ -1,6 +1,6 @@
 #include "cli/ElementMatch.h"
 
-#include "encap/xml/XMLNodeArray.h"
+#include "cli/NodeReads.h"
 
 #include <algorithm>
 #include <string_view>
@@ -23,11 +23,7 @@ CString NameOf(const XMLNode& element)
 /// They differ in their attributes at most.
 bool HaveSameContent(const XMLNode& left, const XMLNode& right)
 {
-    CString leftText;
-    CString rightText;
-    left.GetNodeText(leftText);
-    right.GetNodeText(rightText);
-    return NameOf(left) == NameOf(right) && leftText == rightText &&
+    return NameOf(left) == NameOf(right) && TextOf(left) == TextOf(right) &&
            left.GetChildCount() == right.GetChildCount();
 }
 
@@ -35,8 +31,7 @@ bool HaveSameContent(const XMLNode& left, const XMLNode& right)
 
 std::vector<XMLNode> ElementsOf(const XMLNode& parent)
 {
-    XMLNodeArray elements;
-    parent.SelectChildNodes(L"*", elements);
+    const XMLNodeArray elements = Selected(parent, L"*");
     return {elements.begin(), elements.end()};
 }
 

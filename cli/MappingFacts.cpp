@@ -1,6 +1,7 @@
 #include "cli/MappingFacts.h"
 
 #include "cli/ColumnFacts.h"
+#include "cli/NodeReads.h"
 #include "encap/family/Family.h"
 #include "encap/foundation/StringMap.h"
 #include "encap/mapping/FamilyMapping.h"
@@ -63,13 +64,6 @@ OptionalText Attribute(const XMLNode& node, const wchar_t* name)
 {
     CString text;
     return node.GetProperty(name, text) ? OptionalText(text) : std::nullopt;
-}
-
-XMLNodeArray Selected(const XMLNode& node, const wchar_t* path)
-{
-    XMLNodeArray nodes;
-    node.SelectChildNodes(path, nodes);
-    return nodes;
 }
 
 XMLNodeArray ChildrenOf(const XMLNode& node, const wchar_t* name)

@@ -1,6 +1,7 @@
 #include "cli/TocFile.h"
 
 #include "cli/CommandError.h"
+#include "cli/NodeReads.h"
 #include "cli/TextFile.h"
 #include "cli/XmlTags.h"
 #include "encap/foundation/NumberText.h"
@@ -88,9 +89,7 @@ std::vector<CString> ProblemsOf(const CToc& toc)
 
 CString InternalNameOf(const XMLNode& entry)
 {
-    CString name;
-    entry.GetProperty(L"InternalName", name);
-    return name;
+    return PropertyOf(entry, L"InternalName");
 }
 
 CString TitleOf(const XMLNode& entry)

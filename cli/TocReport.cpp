@@ -1,6 +1,7 @@
 #include "cli/TocReport.h"
 
 #include "cli/JsonWriter.h"
+#include "cli/NodeReads.h"
 #include "cli/Results.h"
 #include "cli/TextTable.h"
 #include "cli/TocFile.h"
@@ -44,13 +45,6 @@ constexpr ShownAttribute kCategoryAttributes[] = {
     {L"Domain", L"domain", L""},
 };
 
-CString AttributeOf(const XMLNode& entry, const wchar_t* attribute)
-{
-    CString value;
-    entry.GetProperty(attribute, value);
-    return value;
-}
-
 /// Rows of the table "Name, Standard, Families, Internal name".
 class TocTable {
 public:
@@ -91,7 +85,7 @@ void TocTable::AddFamilies(const std::vector<TocReference>& families, std::size_
     for (const TocReference& family : families) {
         const bool isListed = family.entry.IsNode();
         AddName(isListed ? TitleOf(family.entry) : L"(not listed)", depth);
-        m_table.AddCell(AttributeOf(family.entry, L"Standard"));
+        m_table.AddCell(PropertyOf(family.entry, L"Standard"));
         m_table.AddCell(L"");
         m_table.AddCell(family.internalName);
     }
@@ -178,7 +172,7 @@ CString Joined(const std::vector<CString>& names)
 void AddProperties(TextTable& table, const ShownFamily& family)
 {
     for (const ShownAttribute& each : kFamilyAttributes) {
-        const CString value = AttributeOf(family.entry, each.attribute);
+        const CString value = PropertyOf(family.entry, each.attribute);
         if (!value.empty()) {
             table.AddCell(each.label);
             table.AddCell(value);
