@@ -1,5 +1,7 @@
 #include "tests/faults/FailingAllocation.h"
 
+#include "tests/support/ReplacedNew.h"
+
 #include <cstddef>
 #include <cstdlib>
 #include <new>
@@ -14,6 +16,10 @@ struct Countdown {
 
 thread_local Countdown g_countdown;
 thread_local long g_live = 0;
+
+} // namespace
+
+namespace encap::test {
 
 void* Allocate(std::size_t size)
 {
@@ -31,40 +37,11 @@ void* Allocate(std::size_t size)
     return memory;
 }
 
-void Free(void* memory)
+void Free(void* memory) noexcept
 {
     g_live -= memory != nullptr ? 1 : 0;
     std::free(memory);
 }
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    return Allocate(size);
-}
-void* operator new[](std::size_t size)
-{
-    return Allocate(size);
-}
-void operator delete(void* memory) noexcept
-{
-    Free(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    Free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    Free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    Free(memory);
-}
-
-namespace encap::test {
 
 long LiveAllocations()
 {

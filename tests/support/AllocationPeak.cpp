@@ -1,5 +1,7 @@
 #include "tests/support/AllocationPeak.h"
 
+#include "tests/support/ReplacedNew.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <new>
@@ -12,6 +14,10 @@ static_assert(kHead >= sizeof(std::size_t));
 
 thread_local std::ptrdiff_t g_current = 0;
 thread_local std::ptrdiff_t g_peak = 0;
+
+} // namespace
+
+namespace encap::test {
 
 void* Allocate(std::size_t size)
 {
@@ -34,35 +40,6 @@ void Free(void* memory) noexcept
     g_current -= static_cast<std::ptrdiff_t>(*static_cast<std::size_t*>(block));
     std::free(block);
 }
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    return Allocate(size);
-}
-void* operator new[](std::size_t size)
-{
-    return Allocate(size);
-}
-void operator delete(void* memory) noexcept
-{
-    Free(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    Free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    Free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    Free(memory);
-}
-
-namespace encap::test {
 
 AllocationPeak::AllocationPeak()
 {
