@@ -39,24 +39,40 @@ std::string Images(const std::string& path)
     return images;
 }
 
-TEST(IconCommand, FailuresHaveTheirLinesAndStatuses)
+/// A run that fails, and how the lines that it tells begin; nothing else is printed.
+struct Failure {
+    std::vector<std::string> arguments;
+    int status;
+    std::vector<std::string> lines;
+};
+
+void ExpectFailures(const std::vector<Failure>& failures)
+{
+    for (const Failure& one : failures) {
+        SCOPED_TRACE(&one - failures.data());
+        const CliRun run = RunIcon(one.arguments);
+        EXPECT_EQ(one.status, run.status) << run.err;
+        EXPECT_EQ("", run.out);
+        std::istringstream lines(run.err);
+        std::string line;
+        for (const std::string& expected : one.lines) {
+            std::getline(lines, line);
+            EXPECT_THAT(line, StartsWith("encap: " + expected));
+        }
+        EXPECT_FALSE(std::getline(lines, line)) << line;
+    }
+}
+
+TEST(IconCommand, FilesThatAreNoImagesAreToldWithTheLibrarysMessages)
 {
     const TemporaryFolder folder;
-    const std::string out = Utf8(folder.File(L"out.ico"));
     const std::string none = Utf8(folder.File(L"none.ico"));
     const std::string noDll = Utf8(folder.File(L"none.DLL"));
-    const std::string ico = Icon("icotool-depths.ico");
-    const std::string dll = Icon("windres-64.dll");
     const std::string text = WriteFile(folder, L"text", "text");
     const std::string cursor = WriteFile(folder, L"cursor", std::string("\0\0\2\0\1\0", 6));
     const std::string dos = WriteFile(folder, L"dos", "MZ");
     const std::string png = WriteFile(folder, L"cut.png", "\x89PNG\r\n\x1A\n");
-    const std::string path = Utf8(folder.File(L"none/out.ico"));
-    const struct {
-        std::vector<std::string> arguments;
-        int status;
-        std::vector<std::string> lines;
-    } cases[]{
+    ExpectFailures({
         {{"list", none},
          3,
          {none + ": Error when opening an icon file!", none + ": there is no such file"}},
@@ -75,6 +91,17 @@ TEST(IconCommand, FailuresHaveTheirLinesAndStatuses)
         {{"list", Icon("magick-rle.bmp")},
          3,
          {Icon("magick-rle.bmp") + ": Error when reading a bitmap file!"}},
+    });
+}
+
+TEST(IconCommand, WhatCannotBeDoneHasItsLineAndStatus)
+{
+    const TemporaryFolder folder;
+    const std::string out = Utf8(folder.File(L"out.ico"));
+    const std::string ico = Icon("icotool-depths.ico");
+    const std::string dll = Icon("windres-64.dll");
+    const std::string path = Utf8(folder.File(L"none/out.ico"));
+    ExpectFailures({
         {{"extract", ico}, 2, {"-o FILE is required"}},
         {{"extract", ico, "-o", "out.gif"}, 2, {"out.gif: -o names no file that ends in"}},
         {{"extract", ico, "-o", ico}, 2, {ico + ": -o names a file that is read"}},
@@ -98,20 +125,7 @@ TEST(IconCommand, FailuresHaveTheirLinesAndStatuses)
         {{}, 2, {"an action is missing, one of list, extract, build"}},
         {{"lists", ico}, 2, {"'lists' is none of list, extract, build"}},
         {{"list"}, 2, {"FILE is required: 'encap icon list --help'"}},
-    };
-    for (const auto& one : cases) {
-        SCOPED_TRACE(&one - cases);
-        const CliRun run = RunIcon(one.arguments);
-        EXPECT_EQ(one.status, run.status) << run.err;
-        EXPECT_EQ("", run.out);
-        std::istringstream lines(run.err);
-        std::string line;
-        for (const std::string& expected : one.lines) {
-            std::getline(lines, line);
-            EXPECT_THAT(line, StartsWith("encap: " + expected));
-        }
-        EXPECT_FALSE(std::getline(lines, line)) << line;
-    }
+    });
     EXPECT_FALSE(platform::FileExists(folder.File(L"out.ico")));
 }
 

@@ -68,7 +68,8 @@ CString FlagsOf(const CEncapFamilyColumn& column)
 /// What a command gives, as text; the last word of a check is what it must give.
 using Command = std::function<CString(TestFamily&, const Words&)>;
 
-const std::map<CString, Command>& Commands()
+/// Commands that change the family.
+const std::map<CString, Command>& Changes()
 {
     static const std::map<CString, Command> commands{
         {L"geometry",
@@ -109,6 +110,14 @@ const std::map<CString, Command>& Commands()
              family->SetInternalName(words.at(0).c_str());
              return CString();
          }},
+    };
+    return commands;
+}
+
+/// Commands that ask it.
+const std::map<CString, Command>& Questions()
+{
+    static const std::map<CString, Command> commands{
         {L"flags:", [](TestFamily& family,
                        const Words& words) { return FlagsOf(ColumnOf(family, words.at(0))); }},
         {L"data:", [](TestFamily& family,
@@ -155,8 +164,9 @@ void RunStep(TestFamily& family, const std::string& line)
     if (words.empty()) {
         return;
     }
-    const auto command = Commands().find(words.front());
-    ASSERT_NE(command, Commands().end()) << line;
+    const auto& commands = Changes().contains(words.front()) ? Changes() : Questions();
+    const auto command = commands.find(words.front());
+    ASSERT_NE(command, commands.end()) << line;
     const bool isCheck = words.front().back() == L':';
     words.erase(words.begin());
     const CString result = command->second(family, words);
