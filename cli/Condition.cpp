@@ -21,6 +21,13 @@ bool ComparesText(const Condition::Piece& piece)
     return piece.kind == Kind::TextEquals || piece.kind == Kind::TextDiffers;
 }
 
+/// The same for every value that may stand in the expression.
+bool IsNotUnderstood(int32_t status)
+{
+    return status == CStandaloneEvaluatorProvider::StatusBadSyntax ||
+           status == CStandaloneEvaluatorProvider::StatusUnknownName;
+}
+
 CString WhyNot(const RecordingProvider& host)
 {
     const FailedQuestion* failure = host.LastFailure();
@@ -45,8 +52,7 @@ void Condition::RequireUnderstood(RecordingProvider& host) const
     double value = 0.0;
     host.Forget();
     const int32_t status = host.EvaluateExpression(sample.c_str(), kUnitless, value);
-    if (status == CStandaloneEvaluatorProvider::StatusBadSyntax ||
-        status == CStandaloneEvaluatorProvider::StatusUnknownName) {
+    if (IsNotUnderstood(status)) {
         throw UsageError(L"the condition '" + m_text + L"' is not understood: " + WhyNot(host));
     }
 }
@@ -105,6 +111,9 @@ std::optional<bool> FamilyCondition::Holds(const CString& rowId, std::vector<CSt
         m_family.Provider().EvaluateExpression(expression.c_str(), kUnitless, value);
     if (status < 0 || !std::isfinite(value)) {
         failure = FormatText(L"row %s: %s", {rowId, WhyNot(m_family.Provider())});
+        if (IsNotUnderstood(status)) {
+            m_misfit = failure;
+        }
         return std::nullopt;
     }
     return value != 0.0;

@@ -50,8 +50,8 @@ public:
 
     /// Without all the columns the family has no part in the question.
     [[nodiscard]] bool HasColumns() const { return m_hasColumns; }
-    /// Why the condition fits none of the family's members: a text column used as a number, or the
-    /// other way round. Empty when it does fit.
+    /// Why the condition fits none of the family's members: a text column used as a number, the
+    /// other way round, or what the host did not understand of it. Empty while it fits.
     [[nodiscard]] const CString& Misfit() const { return m_misfit; }
     /// The columns, in the condition's order. REQUIRES: HasColumns.
     [[nodiscard]] const std::vector<CEncapFamilyColumn*>& Columns() const { return m_columns; }

@@ -21,6 +21,9 @@ void AskMembers(OpenFamily& family, FamilyCondition& condition, FoundMembers& fo
         const std::optional<bool> holds = condition.Holds(rowId, values, failure);
         if (!holds) {
             found.problems.push_back(failure);
+            if (!condition.Misfit().empty()) {
+                return; // no other member fares better
+            }
         } else if (*holds) {
             found.members.push_back({rowId, family.Table().IsRowSuppressed(rowId.c_str()),
                                      designation.Of(rowId), values});

@@ -121,6 +121,17 @@ TEST(FindCommand, RefusesWhatIsNoCondition)
     ExpectRefusal(CliRun({"find", path}), 2, "a path and a condition are asked for");
 }
 
+// Only a family's units bring the end of this one to light: one member tells it for all.
+TEST(FindCommand, TellsOnceInAFamilyWhatNoMemberCanAnswer)
+{
+    LibraryFolder library;
+    const CliRun run({"find", library.AddFamily("pin", {"7", "8"}, kText), "{D} > 6mm and {D} <"});
+    EXPECT_EQ(1, run.status);
+    const std::size_t told = run.err.find("the text ends where a number");
+    EXPECT_NE(std::string::npos, told) << run.err;
+    EXPECT_EQ(std::string::npos, run.err.find("the text ends", told + 1)) << run.err;
+}
+
 TEST(FindCommand, NamesFamilyRowDesignationAndColumns)
 {
     const std::string bolts = std::string(ENCAP_SAMPLES) + "/families/bolts";
