@@ -99,24 +99,36 @@ std::optional<IconMessage> ReadBmp(ByteView file, std::vector<unsigned char>& di
     return std::nullopt;
 }
 
+// A longer header is written as the common one: it holds the masks where that has them behind it.
 std::string BuildBmp(ByteView dib)
 {
     const std::optional<PackedBitmap> bitmap = PackedBitmap::Open(dib);
     if (!bitmap || bitmap->RowsEnd() > kMostOffset) {
         return {};
     }
-    const auto length = static_cast<uint32_t>(bitmap->RowsEnd());
     BitmapHeader header = bitmap->Header();
-    const auto rowsOffset = static_cast<uint32_t>(RowsOffset(header));
+    const auto oldRows = static_cast<uint32_t>(RowsOffset(header));
+    const auto rowBytes = static_cast<uint32_t>(bitmap->RowsEnd()) - oldRows;
+    const uint32_t tableBytes = PaletteEntries(header) * kPaletteEntryBytes;
+    header.size = kBitmapHeaderBytes;
+    header.coloursUsed = header.coloursUsed != 0 ? PaletteEntries(header) : 0;
+    const auto newRows = static_cast<uint32_t>(RowsOffset(header));
+    const uint32_t maskBytes = newRows - tableBytes - kBitmapHeaderBytes;
+    if (oldRows < newRows) {
+        return {};
+    }
+    header.imageBytes = rowBytes;
     unsigned char start[kFileHeaderBytes + kBitmapHeaderBytes]{};
     WriteU16(start, kBitmapType);
-    WriteU32(start + 2, kFileHeaderBytes + length);
-    WriteU32(start + 10, kFileHeaderBytes + rowsOffset);
-    header.imageBytes = length - rowsOffset;
+    WriteU32(start + 2, kFileHeaderBytes + newRows + rowBytes);
+    WriteU32(start + 10, kFileHeaderBytes + newRows);
     WriteBitmapHeader(start + kFileHeaderBytes, header);
     std::string file(reinterpret_cast<const char*>(start), sizeof start);
-    const ByteView rest = dib.first(length).subspan(kBitmapHeaderBytes);
-    file.append(reinterpret_cast<const char*>(rest.data()), rest.size());
+    const auto append = [&](uint32_t offset, uint32_t count) {
+        file.append(reinterpret_cast<const char*>(dib.data()) + offset, count);
+    };
+    append(kBitmapHeaderBytes, maskBytes);
+    append(oldRows - tableBytes, tableBytes + rowBytes);
     return file;
 }
 

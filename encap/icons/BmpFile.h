@@ -16,8 +16,9 @@ namespace encap {
 /// the file are all unreadable rows.
 [[nodiscard]] std::optional<IconMessage> ReadBmp(ByteView file, std::vector<unsigned char>& dib);
 
-/// The bytes of a BMP file of the packed bitmap; what follows its rows is left out. Empty when the
-/// bitmap is damaged or too long for the format.
+/// The bytes of a BMP file of the packed bitmap, under a header of 40 bytes whatever the bitmap's
+/// own is; what follows its rows is left out. Empty when the bitmap is damaged or too long for the
+/// format.
 [[nodiscard]] std::string BuildBmp(ByteView dib);
 
 } // namespace encap

@@ -6,7 +6,6 @@
 namespace encap {
 namespace {
 
-constexpr uint32_t kPaletteEntryBytes = 4;
 constexpr uint32_t kMaskBytes = 12;
 
 uint64_t HeaderBytes(const BitmapHeader& header)

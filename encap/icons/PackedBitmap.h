@@ -10,6 +10,7 @@
 namespace encap {
 
 inline constexpr uint32_t kBitmapHeaderBytes = 40;
+inline constexpr uint32_t kPaletteEntryBytes = 4;
 inline constexpr uint32_t kCompressionNone = 0;
 inline constexpr uint32_t kCompressionMasks = 3;
 

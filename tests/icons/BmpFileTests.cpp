@@ -134,6 +134,24 @@ TEST(BmpFile, AFalseColourCountIsCutToTheDepth)
     EXPECT_EQ(ColourAt(dib, 1, 0), 0x102030U);
 }
 
+TEST(BmpFile, ALongerHeaderIsWrittenAsTheCommonOne)
+{
+    const std::string more(68, '\x7F');
+    const std::string longHeader = Le32(108) + InfoHeader(1, 1, 8, 0, 2).substr(4) + more;
+    const std::string file =
+        BuildBmp(AsBytes(longHeader + Le32(0x102030) + Le32(0x405060) + std::string("\1\0\0\0", 4)));
+    std::vector<unsigned char> dib;
+    ASSERT_FALSE(ReadBmp(AsBytes(file), dib));
+    EXPECT_EQ(ColourAt(dib, 0, 0), 0x405060U);
+    const std::string masks = Le32(0xF800) + Le32(0x07E0) + Le32(0x001F);
+    const std::string withMasks = InfoHeader(1, 1, 16, 3).substr(4) + masks;
+    const std::string pixel("\x00\xF8\0\0", 4);
+    const std::string inside = BuildBmp(AsBytes(Le32(108) + withMasks + more.substr(12) + pixel));
+    EXPECT_EQ(inside, BuildBmp(AsBytes(Le32(40) + withMasks + pixel)));
+    EXPECT_EQ(inside.substr(54), masks + pixel);
+    EXPECT_TRUE(BuildBmp(AsBytes(Le32(44) + withMasks.substr(0, 40) + pixel)).empty());
+}
+
 TEST(DamagedBmpFile, EveryPrefixAndEveryWrongByteIsDefined)
 {
     const std::string bytes = FixtureBytes("magick-vga.bmp");
