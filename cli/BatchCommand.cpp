@@ -128,7 +128,7 @@ ExitStatus BatchCommand::Run(Console& console)
 {
     const std::vector<ListedFamily> families = ListFamilies(m_paths, m_families.list);
     m_record.language = m_families.language;
-    RequireFolderOf(m_output);
+    RequireOutput(m_output, m_paths, families);
     Results results(console, m_output);
     BatchSummary summary;
     const auto work = [this](const ListedFamily& family, FamilyHost& host) {

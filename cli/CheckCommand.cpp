@@ -3,6 +3,7 @@
 #include "cli/Console.h"
 #include "cli/OpenFamily.h"
 #include "cli/Options.h"
+#include "cli/Paths.h"
 #include "cli/Results.h"
 #include "cli/check/FindingWriter.h"
 #include "encap/foundation/TextFormat.h"
@@ -75,6 +76,9 @@ ExitStatus CheckCommand::Run(Console& console)
         throw UsageError(L"--verify-cache needs --cache DIR: the folder whose values are verified");
     }
     SelectRules();
+    for (const CString& path : m_paths) {
+        RequireNotRead(m_output, path);
+    }
     FamilyHost host(m_host);
     Results results(console, m_output);
     const std::unique_ptr<FindingWriter> writer = kWriters[m_format](results);

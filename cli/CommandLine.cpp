@@ -50,9 +50,9 @@ const CommandEntry* FindCommand(std::string_view name)
 }
 
 ExitStatus RunEntry(const CommandEntry& entry, const std::vector<std::string>& arguments,
-                    Console& console)
+                    Console& console, std::unique_ptr<Command>& command)
 {
-    const std::unique_ptr<Command> command = entry.make();
+    command = entry.make();
     Options options(entry.name, entry.summary);
     command->Declare(options);
     std::string help;
@@ -63,7 +63,8 @@ ExitStatus RunEntry(const CommandEntry& entry, const std::vector<std::string>& a
     return command->Run(console);
 }
 
-ExitStatus Dispatch(const std::vector<std::string>& arguments, Console& console)
+ExitStatus Dispatch(const std::vector<std::string>& arguments, Console& console,
+                    std::unique_ptr<Command>& command)
 {
     if (arguments.empty()) {
         throw UsageError(L"a command is missing: 'encap --help' lists the commands");
@@ -83,13 +84,14 @@ ExitStatus Dispatch(const std::vector<std::string>& arguments, Console& console)
         throw UsageError(std::wstring(isOption ? L"unknown option '" : L"unknown command '") +
                          platform::Utf8ToWide(first) + L"': 'encap --help' lists what there is");
     }
-    return RunEntry(*entry, {arguments.begin() + 1, arguments.end()}, console);
+    return RunEntry(*entry, {arguments.begin() + 1, arguments.end()}, console, command);
 }
 
-ExitStatus RunReporting(const std::vector<std::string>& arguments, Console& console)
+ExitStatus RunReporting(const std::vector<std::string>& arguments, Console& console,
+                        std::unique_ptr<Command>& command)
 {
     try {
-        const ExitStatus status = Dispatch(arguments, console);
+        const ExitStatus status = Dispatch(arguments, console, command);
         console.Finish();
         return status;
     } catch (const CommandError& error) {
@@ -107,11 +109,11 @@ ExitStatus RunReporting(const std::vector<std::string>& arguments, Console& cons
 } // namespace
 
 int RunCommand(const std::vector<std::string>& arguments, std::ostream& out,
-               std::ostream& err) noexcept
+               std::ostream& err, std::unique_ptr<Command>& command) noexcept
 {
     try {
         Console console(out, err);
-        return static_cast<int>(RunReporting(arguments, console));
+        return static_cast<int>(RunReporting(arguments, console, command));
     } catch (...) {
         // Not even the message could be made.
         return static_cast<int>(ExitStatus::Failed);

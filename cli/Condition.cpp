@@ -64,6 +64,9 @@ FamilyCondition::FamilyCondition(const Condition& condition, OpenFamily& family)
     if (m_hasColumns) {
         FindMisfit();
     }
+    if (m_hasColumns && m_misfit.empty()) {
+        FindMisunderstanding();
+    }
 }
 
 void FamilyCondition::FindColumns()
@@ -92,6 +95,27 @@ void FamilyCondition::FindMisfit()
     }
 }
 
+// A number in every place rather than the values of a member, of which one may be empty or odd.
+void FamilyCondition::FindMisunderstanding()
+{
+    CString sample;
+    for (const Condition::Piece& piece : m_condition.Pieces()) {
+        if (piece.kind == Kind::Literal) {
+            sample += piece.text;
+            continue;
+        }
+        sample += L'1';
+        if (piece.kind == Kind::Number) {
+            sample += UnitOf(*m_columns[piece.column]);
+        }
+    }
+    double value = 0.0;
+    m_family.Provider().Forget();
+    if (IsNotUnderstood(m_family.Provider().EvaluateExpression(sample.c_str(), kUnitless, value))) {
+        m_misfit = WhyNot(m_family.Provider());
+    }
+}
+
 std::optional<bool> FamilyCondition::Holds(const CString& rowId, std::vector<CString>& values,
                                            CString& failure)
 {
@@ -111,9 +135,6 @@ std::optional<bool> FamilyCondition::Holds(const CString& rowId, std::vector<CSt
         m_family.Provider().EvaluateExpression(expression.c_str(), kUnitless, value);
     if (status < 0 || !std::isfinite(value)) {
         failure = FormatText(L"row %s: %s", {rowId, WhyNot(m_family.Provider())});
-        if (IsNotUnderstood(status)) {
-            m_misfit = failure;
-        }
         return std::nullopt;
     }
     return value != 0.0;
@@ -129,6 +150,11 @@ bool FamilyCondition::ReadValues(const CString& rowId, std::vector<CString>& val
             m_columns[i]->GetValue(rowId.c_str(), m_family.Language().c_str(), values[i]);
         if (HasNoValue(result)) {
             failure = FailureText(m_family, rowId, *m_columns[i], result);
+            return false;
+        }
+        if (values[i].empty() && HoldsNumbers(*m_columns[i])) {
+            failure =
+                FormatText(L"row %s, column %s: the cell is empty", {rowId, IdOf(*m_columns[i])});
             return false;
         }
     }

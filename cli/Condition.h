@@ -51,7 +51,8 @@ public:
     /// Without all the columns the family has no part in the question.
     [[nodiscard]] bool HasColumns() const { return m_hasColumns; }
     /// Why the condition fits none of the family's members: a text column used as a number, the
-    /// other way round, or what the host did not understand of it. Empty while it fits.
+    /// other way round, or what the host does not understand of it with the columns' units. Empty
+    /// when it fits.
     [[nodiscard]] const CString& Misfit() const { return m_misfit; }
     /// The columns, in the condition's order. REQUIRES: HasColumns.
     [[nodiscard]] const std::vector<CEncapFamilyColumn*>& Columns() const { return m_columns; }
@@ -63,6 +64,7 @@ public:
 private:
     void FindColumns();
     void FindMisfit();
+    void FindMisunderstanding();
     [[nodiscard]] bool ReadValues(const CString& rowId, std::vector<CString>& values,
                                   CString& failure);
     [[nodiscard]] CString Question(const std::vector<CString>& values) const;

@@ -3,7 +3,6 @@
 #include "cli/CommandError.h"
 #include "cli/Paths.h"
 #include "cli/TextFile.h"
-#include "cli/XmlTags.h"
 #include "encap/xml/XMLNodeArray.h"
 
 #include <algorithm>
@@ -12,14 +11,15 @@
 namespace encap::cli {
 namespace {
 
-/// The files that a family text names for its strings, in its order.
-std::vector<CString> StringsReferences(const CString& familyText)
+/// The files that a family document names for its strings, in its order.
+std::vector<CString> StringsReferences(const XMLParser& family)
 {
-    const CString element(ChildElementText(familyText, L"FamilyStrings"));
     std::vector<CString> names;
-    const XMLParser document(element);
+    XMLNode strings;
     XMLNodeArray files;
-    document.GetRootNode().SelectChildNodes(L"File", files);
+    if (family.GetRootNode().GetChildNode(L"FamilyStrings", strings)) {
+        strings.SelectChildNodes(L"File", files);
+    }
     for (const XMLNode& file : files) {
         CString name;
         if (file.GetProperty(L"FullFileName", name) && !name.empty()) {
@@ -29,13 +29,10 @@ std::vector<CString> StringsReferences(const CString& familyText)
     return names;
 }
 
-void RequireTable(CEncapFamily& family, const CString& path, const CString& text)
+void RequireTable(const XMLParser& family, const CString& path)
 {
-    if (family.GetEncapFamilyTable() == nullptr) {
-        throw FileError(path, L"not a family document: " + ReasonOfRefusal(text));
-    }
     XMLNode table;
-    if (!family.GetFamilyXML().GetRootNode().GetChildNode(L"FamilyTable", table)) {
+    if (!family.GetRootNode().GetChildNode(L"FamilyTable", table)) {
         throw FileError(path,
                         L"not a family document: its document element has no \"FamilyTable\"");
     }
@@ -44,7 +41,7 @@ void RequireTable(CEncapFamily& family, const CString& path, const CString& text
 } // namespace
 
 FamilyFile::FamilyFile(const CString& path, const FamilyFileOptions& options)
-    : m_path(path), m_text(ReadXmlFile(path, options.fingerprint))
+    : m_path(path), m_document(ParseXmlFile(path, L"a family document", options.fingerprint))
 {
     ReadReferences(options);
     for (const CString& added : options.addedStrings) {
@@ -61,9 +58,17 @@ std::vector<CString> FamilyFile::Languages() const
     return languages;
 }
 
+void FamilyFile::RequireNotRead(const CString& output) const
+{
+    cli::RequireNotRead(output, m_path);
+    for (const StringsFile& strings : m_strings) {
+        cli::RequireNotRead(output, strings.path);
+    }
+}
+
 void FamilyFile::ReadReferences(const FamilyFileOptions& options)
 {
-    for (const CString& name : StringsReferences(m_text)) {
+    for (const CString& name : StringsReferences(m_document)) {
         try {
             ReadStrings(ResolveReference(m_path, name), true, options);
         } catch (const FileError& error) {
@@ -75,17 +80,12 @@ void FamilyFile::ReadReferences(const FamilyFileOptions& options)
     }
 }
 
-// Parsed here too, so that the fault is told of the file that has it: the library leaves out what
-// does not parse.
 void FamilyFile::ReadStrings(const CString& path, bool isReferenced,
                              const FamilyFileOptions& options)
 {
-    StringsFile strings{path, {}, ReadXmlFile(path, options.fingerprint), isReferenced};
-    const XMLNode root = XMLParser(strings.text).GetRootNode();
-    if (!root.IsNode()) {
-        throw FileError(path, L"not a strings document: " + ReasonOfRefusal(strings.text));
-    }
-    root.GetProperty(L"xml:lang", strings.language);
+    StringsFile strings{
+        path, {}, ParseXmlFile(path, L"a strings document", options.fingerprint), isReferenced};
+    strings.document.GetRootNode().GetProperty(L"xml:lang", strings.language);
     Enter(std::move(strings));
 }
 
@@ -106,16 +106,15 @@ std::unique_ptr<CEncapFamily> FamilyFile::Open(IEvaluatorProvider* provider,
                                                const CString& cacheFolder,
                                                bool localizeDecimalSeparator)
 {
-    std::vector<CString> texts;
+    RequireTable(m_document, m_path);
+    std::vector<XMLParser> documents;
     for (StringsFile& strings : m_strings) {
         const bool isFirst = strings.language == firstLanguage;
-        texts.insert(isFirst ? texts.begin() : texts.end(), std::exchange(strings.text, {}));
+        documents.insert(isFirst ? documents.begin() : documents.end(),
+                         std::exchange(strings.document, {}));
     }
-    auto family = std::make_unique<CEncapFamily>(m_text.c_str(), texts, cacheFolder.c_str(),
-                                                 provider, localizeDecimalSeparator);
-    RequireTable(*family, m_path, m_text);
-    CString().swap(m_text);
-    return family;
+    return std::make_unique<CEncapFamily>(std::exchange(m_document, {}), documents,
+                                          cacheFolder.c_str(), provider, localizeDecimalSeparator);
 }
 
 } // namespace encap::cli

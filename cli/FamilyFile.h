@@ -14,7 +14,7 @@ class Fingerprint;
 struct StringsFile {
     CString path;
     CString language; ///< its xml:lang; empty when it has none
-    CString text;
+    XMLParser document;
     bool isReferenced = false; ///< named by the family, not by an argument
 };
 
@@ -30,23 +30,25 @@ struct FamilyFileOptions {
     Fingerprint* fingerprint = nullptr;
 };
 
-/// The texts of a family document and of its strings documents with the paths that they were read
-/// from. Opens the family once.
+/// A family document and its strings documents with the paths that they were read from. Opens the
+/// family once.
 class FamilyFile {
 public:
-    /// Throws FileError: a file that is missing, not readable, not valid in its encoding; a strings
-    /// document that does not parse. The family document itself is parsed by Open.
+    /// Throws FileError: a file that is missing, not readable, not valid in its encoding, or that
+    /// does not parse.
     FamilyFile(const CString& path, const FamilyFileOptions& options);
 
     [[nodiscard]] const CString& Path() const { return m_path; }
     /// At most one a language, in the order of the family's references, added ones behind.
     [[nodiscard]] const std::vector<StringsFile>& Strings() const { return m_strings; }
     [[nodiscard]] std::vector<CString> Languages() const;
+    /// Throws UsageError when results are to go to one of the files.
+    void RequireNotRead(const CString& output) const;
 
     /// The family with the first language given (where there is one) as its current one; the
-    /// others follow in their order. Gives up the texts. The provider (may be null) must outlive
-    /// the family; an empty cache folder is none. Throws FileError when the document does not
-    /// parse or has no table.
+    /// others follow in their order. Gives up the documents. The provider (may be null) must
+    /// outlive the family; an empty cache folder is none. Throws FileError when the document has
+    /// no table.
     [[nodiscard]] std::unique_ptr<CEncapFamily> Open(IEvaluatorProvider* provider,
                                                      const CString& firstLanguage,
                                                      const CString& cacheFolder,
@@ -58,7 +60,7 @@ private:
     void Enter(StringsFile strings);
 
     CString m_path;
-    CString m_text;
+    XMLParser m_document;
     std::vector<StringsFile> m_strings;
 };
 

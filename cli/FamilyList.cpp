@@ -12,6 +12,7 @@
 #include "encap/platform/Files.h"
 
 #include <map>
+#include <set>
 
 namespace encap::cli {
 namespace {
@@ -45,6 +46,7 @@ public:
 
     void Add(const CString& path);
     [[nodiscard]] std::vector<ListedFamily> Shown(const Shard& shard) const;
+    /// No path leads to a family, or to one that should be there.
     [[nodiscard]] bool IsEmpty() const { return m_found.empty() && m_missing.empty(); }
 
 private:
@@ -58,6 +60,7 @@ private:
     const CString& m_library;
     std::map<CString, CString> m_found;
     std::map<CString, CString> m_missing;
+    std::set<CString> m_unfit; ///< patterns that fit nothing
 };
 
 void FamilyCollector::Add(const CString& path)
@@ -80,6 +83,10 @@ void FamilyCollector::AddFolder(const CString& folder)
 
 void FamilyCollector::AddFile(const CString& path)
 {
+    if (IsStream(path)) {
+        Enter(path);
+        return;
+    }
     switch (ReadDocumentHead(path).kind) {
     case DocumentKind::TableOfContents: AddToc(path); break;
     // The shell puts them beside the families that a pattern is meant for.
@@ -90,8 +97,12 @@ void FamilyCollector::AddFile(const CString& path)
 
 void FamilyCollector::AddMatches(const CString& pattern)
 {
-    for (const CString& path : PathsMatching(pattern)) {
+    const std::vector<CString> paths = PathsMatching(pattern);
+    for (const CString& path : paths) {
         IsDirectory(path) ? AddFolder(path) : AddIfFamily(path);
+    }
+    if (paths.empty()) {
+        m_unfit.insert(pattern);
     }
 }
 
@@ -140,6 +151,11 @@ std::vector<ListedFamily> FamilyCollector::Shown(const Shard& shard) const
     for (const auto& [name, problem] : m_missing) {
         if (isShown()) {
             shown.push_back({{}, problem, name});
+        }
+    }
+    for (const CString& pattern : m_unfit) {
+        if (isShown()) {
+            shown.push_back({pattern, pattern + L": nothing fits this pattern", {}});
         }
     }
     return shown;

@@ -10,8 +10,8 @@ class Options;
 
 /// A family that a command over many families works on.
 struct ListedFamily {
-    CString path;
-    CString problem;      ///< instead of the path: why there is none
+    CString path;         ///< empty for a family of a table of contents that is not found
+    CString problem;      ///< why there is none
     CString internalName; ///< with the problem: of the family that was looked for
 };
 
@@ -30,7 +30,7 @@ struct FamilyListOptions {
 /// - a folder: every family document below it;
 /// - a table of contents: each of its families, found below its folder (or the library) by the
 ///   internal name; those that are not found stand at the end of the list;
-/// - a pattern for these.
+/// - a pattern for these; one that fits nothing stands at the end of the list.
 /// Strings documents are left out. A path that leads to nothing stands in the list for itself.
 /// Throws UsageError for the shard, FileError for a folder or a table of contents that cannot be
 /// read and when there is no family at all.

@@ -70,7 +70,9 @@ void ExpandEntry(const fs::directory_entry& entry, const SplitPattern& split,
         return;
     }
     if (split.rest.empty()) {
-        found.push_back(path);
+        if (!entry.is_other(ignored)) {
+            found.push_back(path);
+        }
     } else if (isFolder) {
         Expand(path + L'/' + split.rest, found);
     }
@@ -146,7 +148,7 @@ std::vector<CString> XmlFilesBelow(const CString& folder)
         const CString path = WideOf(entry->path());
         std::error_code ignored;
         if (EqualNoCase(WideOf(entry->path().extension()), L".xml") &&
-            !entry->is_directory(ignored)) {
+            !entry->is_directory(ignored) && !entry->is_other(ignored)) {
             files.push_back(path);
         }
         entry.increment(failed);

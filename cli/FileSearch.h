@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-// Files that a folder or a pattern stands for. Links to folders are not followed; what comes back
-// is in no order.
+// Files that a folder or a pattern stands for. Links to folders are not followed, pipes and devices
+// are left out; what comes back is in no order.
 namespace encap::cli {
 
 /// Has a character that a pattern gives a meaning to.

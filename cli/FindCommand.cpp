@@ -31,7 +31,7 @@ void FindSummary::Add(const FoundMembers& found)
     withColumns += found.hasColumns ? 1 : 0;
     withMembers += found.members.empty() ? 0 : 1;
     members += found.members.size();
-    problems += found.problems.size();
+    problems += found.problem.empty() ? 0 : 1;
     notOpened += found.failure.empty() ? 0 : 1;
 }
 
@@ -65,7 +65,6 @@ public:
 private:
     /// Takes the condition from behind the paths.
     [[nodiscard]] Condition TakeCondition();
-    static void Tell(const FoundMembers& found, Console& console);
 
     std::vector<CString> m_words;
     ManyFamiliesOptions m_families;
@@ -91,7 +90,7 @@ ExitStatus FindCommand::Run(Console& console)
     FamilyHost host(m_families.host);
     condition.RequireUnderstood(host.Provider());
     const std::vector<ListedFamily> families = ListFamilies(m_words, m_families.list);
-    RequireFolderOf(m_output);
+    RequireOutput(m_output, m_words, families);
     Results results(console, m_output);
     const auto format = kFormats[m_format](condition.Columns(), results);
     FindSummary summary;
@@ -101,7 +100,9 @@ ExitStatus FindCommand::Run(Console& console)
     const auto take = [&](const FoundMembers& found) {
         summary.Add(found);
         format->Add(found);
-        Tell(found, console);
+        if (const CString sentence = found.Sentence(); !sentence.empty()) {
+            console.Message(sentence);
+        }
     };
     ForEachFamily<FoundMembers>(families, m_families, console, work, take);
     format->Finish();
@@ -119,16 +120,6 @@ Condition FindCommand::TakeCondition()
     Condition condition(m_words.back());
     m_words.pop_back();
     return condition;
-}
-
-void FindCommand::Tell(const FoundMembers& found, Console& console)
-{
-    if (!found.failure.empty()) {
-        console.Message(found.failure);
-    }
-    for (const CString& problem : found.problems) {
-        console.Message(found.file + L": " + problem);
-    }
 }
 
 } // namespace

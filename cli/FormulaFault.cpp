@@ -17,8 +17,11 @@
 namespace encap::cli {
 namespace {
 
-/// The number of characters to add, drop or replace to turn one text into the other, without
-/// regard to case (Levenshtein's distance).
+/// Longer IDs are like no other: comparing them would cost too much.
+constexpr std::size_t kLongestCompared = 100;
+
+/// The number of characters to add, drop or replace to turn one text into the other (Levenshtein's
+/// distance).
 std::size_t DistanceOf(const CString& left, const CString& right)
 {
     std::vector<std::size_t> costs(right.size() + 1);
@@ -26,8 +29,7 @@ std::size_t DistanceOf(const CString& left, const CString& right)
     for (const wchar_t character : left) {
         std::size_t diagonal = costs[0]++;
         for (std::size_t k = 0; k < right.size(); ++k) {
-            const std::size_t replace =
-                diagonal + (FoldCase(character) == FoldCase(right[k]) ? 0U : 1U);
+            const std::size_t replace = diagonal + (character == right[k] ? 0U : 1U);
             diagonal = costs[k + 1];
             costs[k + 1] = std::min({replace, costs[k] + 1, costs[k + 1] + 1});
         }
@@ -35,13 +37,16 @@ std::size_t DistanceOf(const CString& left, const CString& right)
     return costs.back();
 }
 
-bool IsSimilar(const CString& id, const CString& wrong)
+bool IsSimilar(const CString& id, const CString& foldedWrong)
 {
+    if (id.size() > kLongestCompared || foldedWrong.size() > kLongestCompared) {
+        return false;
+    }
     const CString folded = FoldCase(id);
-    const CString foldedWrong = FoldCase(wrong);
-    const bool isPart = wrong.size() > 1 && (folded.find(foldedWrong) != CString::npos ||
-                                             foldedWrong.find(folded) == 0);
-    return isPart || DistanceOf(id, wrong) <= std::max<std::size_t>(1, wrong.size() / 3);
+    const bool isPart = foldedWrong.size() > 1 && (folded.find(foldedWrong) != CString::npos ||
+                                                   foldedWrong.find(folded) == 0);
+    return isPart ||
+           DistanceOf(folded, foldedWrong) <= std::max<std::size_t>(1, foldedWrong.size() / 3);
 }
 
 CString Listed(const std::vector<CString>& ids)
@@ -49,7 +54,7 @@ CString Listed(const std::vector<CString>& ids)
     constexpr std::size_t kMost = 20;
     CString list;
     for (std::size_t i = 0; i < ids.size() && i < kMost; ++i) {
-        list += (list.empty() ? L"" : L", ") + ids[i];
+        list.append(list.empty() ? L"" : L", ").append(Shortened(ids[i]));
     }
     return list + (ids.size() > kMost ? L", ..." : L"");
 }
@@ -179,9 +184,10 @@ RefusedEdit::RefusedEdit(const OpenFamily& family, std::wstring_view reason)
 CString SuggestColumns(const OpenFamily& family, const CString& wrong)
 {
     const std::vector<CString>& all = family.Table().GetAllColumnIDs();
+    const CString folded = FoldCase(wrong);
     std::vector<CString> similar;
     std::copy_if(all.begin(), all.end(), std::back_inserter(similar),
-                 [&](const CString& id) { return IsSimilar(id, wrong); });
+                 [&](const CString& id) { return IsSimilar(id, folded); });
     if (!similar.empty()) {
         return L"similar: " + Listed(similar);
     }

@@ -5,6 +5,7 @@
 #include "cli/Designation.h"
 #include "cli/ManyFamilies.h"
 #include "cli/OpenFamily.h"
+#include "encap/foundation/NumberText.h"
 #include "encap/table/FamilyTable.h"
 
 #include <utility>
@@ -20,10 +21,7 @@ void AskMembers(OpenFamily& family, FamilyCondition& condition, FoundMembers& fo
     for (const CString& rowId : family.Table().GetAllRowIDs()) {
         const std::optional<bool> holds = condition.Holds(rowId, values, failure);
         if (!holds) {
-            found.problems.push_back(failure);
-            if (!condition.Misfit().empty()) {
-                return; // no other member fares better
-            }
+            found.problem = found.unjudged++ == 0 ? failure : found.problem;
         } else if (*holds) {
             found.members.push_back({rowId, family.Table().IsRowSuppressed(rowId.c_str()),
                                      designation.Of(rowId), values});
@@ -46,14 +44,23 @@ void Fill(FoundMembers& found, const Condition& condition, const std::optional<C
         const CString unit = UnitOf(*column);
         found.units.push_back(unit == L"ul" ? CString() : unit);
     }
-    if (asked.Misfit().empty()) {
+    found.problem = asked.Misfit();
+    if (found.problem.empty()) {
         AskMembers(family, asked, found);
-    } else {
-        found.problems.push_back(asked.Misfit());
     }
 }
 
 } // namespace
+
+CString FoundMembers::Sentence() const
+{
+    if (!failure.empty() || problem.empty()) {
+        return failure;
+    }
+    const CString count = FormatInteger(static_cast<int64_t>(unjudged));
+    const CString others = unjudged > 1 ? count + L" members cannot be judged; the first: " : L"";
+    return file + L": " + others + problem;
+}
 
 FoundMembers FindMembers(const ListedFamily& family, const Condition& condition,
                          const std::optional<CString>& language, FamilyHost& host)

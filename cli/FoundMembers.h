@@ -27,8 +27,13 @@ struct FoundMembers {
     bool hasColumns = false;    ///< else the family has no part in the question
     std::vector<CString> units; ///< of the condition's columns; empty for those without one
     std::vector<FoundMember> members;
-    std::vector<CString> problems; ///< members for which it cannot be told, a sentence each
-    CString failure;               ///< why the family was not opened; empty when it was
+    /// Why it cannot be told whether members are meant, of the family or of the first such member.
+    CString problem;
+    std::size_t unjudged = 0; ///< such members
+    CString failure;          ///< why the family was not opened; empty when it was
+
+    /// What is wrong, as one sentence; empty when nothing is.
+    [[nodiscard]] CString Sentence() const;
 };
 
 /// Opens a family, asks the condition of each member and closes it.

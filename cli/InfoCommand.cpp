@@ -283,6 +283,7 @@ ExitStatus InfoCommand::Run(Console& console)
 {
     FamilyHost host;
     const OpenFamily family(m_path, m_family, host);
+    family.File().RequireNotRead(m_output);
     Results results(console, m_output);
     if (m_format == kJson) {
         PrintJson(family, m_withMapping, results);

@@ -31,6 +31,10 @@ LibraryIndex::LibraryIndex(const CString& folder) : m_paths(XmlFilesBelow(folder
 
 CString LibraryIndex::Find(const CString& internalName, const CString& folderName)
 {
+    // Which damaged documents have too.
+    if (internalName.empty()) {
+        return {};
+    }
     const auto expected = m_byFolder.find(folderName);
     if (expected != m_byFolder.end()) {
         CString path = LookInto(expected->second, internalName);
@@ -39,8 +43,7 @@ CString LibraryIndex::Find(const CString& internalName, const CString& folderNam
         }
     }
     if (!m_isComplete) {
-        std::for_each(m_paths.begin(), m_paths.end(), [this](const CString& path) { Look(path); });
-        m_isComplete = true;
+        LookIntoAll();
     }
     const auto found = m_found.find(internalName);
     return found != m_found.end() ? found->second : CString();
@@ -58,6 +61,18 @@ CString LibraryIndex::LookInto(const std::vector<CString>& paths, const CString&
     return {};
 }
 
+void LibraryIndex::LookIntoAll()
+{
+    for (const CString& path : m_paths) {
+        Look(path);
+        const auto name = m_names.find(path);
+        if (name != m_names.end()) {
+            m_found.try_emplace(name->second, path);
+        }
+    }
+    m_isComplete = true;
+}
+
 void LibraryIndex::Look(const CString& path)
 {
     const auto [entry, isNew] = m_names.try_emplace(path);
@@ -71,7 +86,6 @@ void LibraryIndex::Look(const CString& path)
         return;
     }
     entry->second = head.internalName;
-    m_found.try_emplace(head.internalName, path);
 }
 
 } // namespace encap::cli

@@ -22,12 +22,13 @@ public:
 
 private:
     CString LookInto(const std::vector<CString>& paths, const CString& internalName);
+    void LookIntoAll();
     void Look(const CString& path);
 
     std::vector<CString> m_paths;
     std::unordered_map<CString, std::vector<CString>> m_byFolder;
     std::unordered_map<CString, CString> m_names; ///< of the documents that were looked into
-    std::unordered_map<CString, CString> m_found; ///< the path by the name
+    std::unordered_map<CString, CString> m_found; ///< the path by the name, once complete
     bool m_isComplete = false;
 };
 

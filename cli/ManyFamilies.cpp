@@ -3,6 +3,7 @@
 #include "cli/CommandError.h"
 #include "cli/Options.h"
 #include "cli/Paths.h"
+#include "encap/platform/Files.h"
 
 #include <algorithm>
 #include <new>
@@ -34,11 +35,21 @@ CString FailureOf(const ListedFamily& family, const std::function<void()>& work)
     }
 }
 
-void RequireFolderOf(const CString& file)
+void RequireOutput(const CString& file, const std::vector<CString>& paths,
+                   const std::vector<ListedFamily>& families)
 {
     const CString folder = FolderOf(file);
     if (!folder.empty() && !IsDirectory(folder)) {
         throw FileError(file, L"the file cannot be written: there is no folder " + folder);
+    }
+    if (!platform::FileExists(file)) {
+        return;
+    }
+    for (const CString& path : paths) {
+        RequireNotRead(file, path);
+    }
+    for (const ListedFamily& family : families) {
+        RequireNotRead(file, family.path);
     }
 }
 

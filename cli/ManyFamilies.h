@@ -30,9 +30,10 @@ struct ManyFamiliesOptions {
 /// families go on whatever it is, a lack of memory for this one included.
 [[nodiscard]] CString FailureOf(const ListedFamily& family, const std::function<void()>& work);
 
-/// Throws FileError for a file that could not be written because its folder is not there: better at
-/// once than after hours. An empty path is fine.
-void RequireFolderOf(const CString& file);
+/// Throws, better at once than after hours, FileError for a file that could not be written because
+/// its folder is not there, UsageError for one that is read. An empty path is fine.
+void RequireOutput(const CString& file, const std::vector<CString>& paths,
+                   const std::vector<ListedFamily>& families);
 
 /// Works on every family of a list, several at a time, each thread with a host of its own, and
 /// hands the results to take on this thread, in the order of the list. Shows progress; the time is

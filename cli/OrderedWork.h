@@ -1,5 +1,7 @@
 #pragma once
 
+#include "cli/CommandError.h"
+
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
@@ -17,19 +19,23 @@ namespace encap::cli {
 /// Does numbered pieces of work on threads of its own and hands their results out in the order of
 /// the numbers. Threads run ahead of the result that is waited for by a fixed number of pieces at
 /// most, so that memory does not grow with the number of pieces. Used by the thread that made it.
-template <class Result>
+template <class Result, class Thread = std::jthread>
 class OrderedWork {
 public:
     using Piece = std::function<Result(std::size_t number)>;
     enum class State { Ready, Waiting, Done };
 
-    /// Pieces 0 to count-1 on that many threads. Each thread calls make once for what it does its
-    /// pieces with, which only that thread uses. make must bear being called by several at a time.
+    /// Pieces 0 to count-1 on that many threads, or on as many as the system lets it have. Each
+    /// thread calls make once for what it does its pieces with, which only that thread uses. make
+    /// must bear being called by several at a time. Throws CommandError when there is no thread.
     OrderedWork(std::size_t count, std::size_t threads, std::function<Piece()> make)
         : m_count(count), m_slots(threads * kAheadPerThread), m_make(std::move(make))
     {
-        for (std::size_t i = 0; i < std::min(threads, count); ++i) {
-            m_threads.emplace_back([this] { Run(); });
+        threads = std::min(threads, count);
+        m_threads.reserve(threads);
+        bool isStarted = true;
+        while (isStarted && m_threads.size() < threads) {
+            isStarted = StartThread();
         }
     }
     OrderedWork(const OrderedWork&) = delete;
@@ -63,6 +69,22 @@ public:
 
 private:
     static constexpr std::size_t kAheadPerThread = 32;
+
+    /// False when there can be no more than there are.
+    bool StartThread()
+    {
+        try {
+            m_threads.emplace_back([this] { Run(); });
+            return true;
+        } catch (const std::exception&) {
+            if (m_threads.empty()) {
+                throw CommandError(ExitStatus::Failed,
+                                   L"the system lets the program start no thread: a limit of "
+                                   L"processes or of memory is reached");
+            }
+            return false;
+        }
+    }
 
     void Run()
     {
@@ -120,7 +142,7 @@ private:
     bool m_isStopping = false;
     std::exception_ptr m_failure;
     std::function<Piece()> m_make;
-    std::vector<std::jthread> m_threads; ///< last: they end before what they use
+    std::vector<Thread> m_threads; ///< last: they end before what they use
 };
 
 } // namespace encap::cli

@@ -1,5 +1,6 @@
 #include "cli/Paths.h"
 
+#include "cli/CommandError.h"
 #include "encap/foundation/CaseFolding.h"
 #include "encap/platform/Encoding.h"
 #include "encap/platform/Files.h"
@@ -49,10 +50,23 @@ bool IsDirectory(const CString& path)
     return std::filesystem::is_directory(NativePath(path), ignored);
 }
 
+bool IsStream(const CString& path)
+{
+    std::error_code ignored;
+    return std::filesystem::is_other(NativePath(path), ignored);
+}
+
 bool IsSameFile(const CString& left, const CString& right)
 {
     std::error_code failed;
     return std::filesystem::equivalent(NativePath(left), NativePath(right), failed) && !failed;
+}
+
+void RequireNotRead(const CString& output, const CString& input)
+{
+    if (!output.empty() && IsSameFile(output, input)) {
+        throw UsageError(output + L": -o names a file that is read");
+    }
 }
 
 } // namespace encap::cli

@@ -20,7 +20,12 @@ namespace encap::cli {
 /// document.
 [[nodiscard]] CString ResolveReference(const CString& document, CString name);
 [[nodiscard]] bool IsDirectory(const CString& path);
+/// A pipe, a device or the like: what is read of it is gone.
+[[nodiscard]] bool IsStream(const CString& path);
 /// Both are there and lead to one file.
 [[nodiscard]] bool IsSameFile(const CString& left, const CString& right);
+/// Throws UsageError when the output, which may be empty, is this file: results never take the
+/// place of what they come from.
+void RequireNotRead(const CString& output, const CString& input);
 
 } // namespace encap::cli

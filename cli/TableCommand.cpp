@@ -20,6 +20,9 @@ private:
     CString m_path;
     FamilyOptions m_family;
     HostOptions m_host;
+    // What was opened stays with the command.
+    std::optional<FamilyHost> m_openHost;
+    std::optional<OpenFamily> m_openFamily;
     int m_format = kText;
     CString m_output;
 };
@@ -38,8 +41,9 @@ void TableCommand::Declare(Options& options)
 
 ExitStatus TableCommand::Run(Console& console)
 {
-    FamilyHost host(m_host);
-    OpenFamily family(m_path, m_family, host);
+    FamilyHost& host = m_openHost.emplace(m_host);
+    OpenFamily& family = m_openFamily.emplace(m_path, m_family, host);
+    family.File().RequireNotRead(m_output);
     Results results(console, m_output);
     CellReader cells(family, console);
     switch (m_format) {
@@ -50,7 +54,11 @@ ExitStatus TableCommand::Run(Console& console)
     }
     results.Finish();
     cells.Failures().Summarize(cells.RowIds().size() * cells.Columns().size());
-    return cells.Failures().Status();
+    const ExitStatus status = cells.Failures().Status();
+    if (host.HasCache()) {
+        m_openFamily.reset(); // the values are saved when the family closes
+    }
+    return status;
 }
 
 } // namespace

@@ -3,11 +3,11 @@
 #include "cli/CommandError.h"
 #include "cli/Fingerprint.h"
 #include "cli/Paths.h"
+#include "cli/XmlTags.h"
 #include "encap/foundation/CaseFolding.h"
 #include "encap/foundation/CodePoints.h"
 #include "encap/foundation/NumberText.h"
 #include "encap/platform/Files.h"
-#include "encap/xml/XMLParser.h"
 
 #include <algorithm>
 #include <cstring>
@@ -104,6 +104,18 @@ Detected Detect(const CString& path, std::string_view bytes)
     return found;
 }
 
+/// The position is that of the first byte that is not part of a character, behind the mark.
+[[noreturn]] void ThrowNoCharacter(const CString& path, std::string_view bytes,
+                                   const Detected& detected, std::size_t position)
+{
+    const std::size_t place = position + detected.markSize;
+    const auto lines = std::count(bytes.begin(), bytes.begin() + place, '\n');
+    throw FileError(path, L"byte " + FormatInteger(static_cast<int64_t>(place) + 1) + L" (line " +
+                              FormatInteger(lines + 1) + L") is no " +
+                              platform::Utf8ToWide(detected.name) +
+                              L" character; save the file in the encoding that it declares");
+}
+
 CString Decode(const CString& path, std::string_view bytes, const Detected& detected)
 {
     CString text;
@@ -114,12 +126,7 @@ CString Decode(const CString& path, std::string_view bytes, const Detected& dete
             ? DecodeUtf8(content, text, position)
             : DecodeUtf16(content, detected.encoding == Encoding::Utf16Big, text, position);
     if (!isDecoded) {
-        const std::size_t place = position + detected.markSize;
-        const auto lines = std::count(bytes.begin(), bytes.begin() + place, '\n');
-        throw FileError(path, L"byte " + FormatInteger(static_cast<int64_t>(place) + 1) +
-                                  L" (line " + FormatInteger(lines + 1) + L") is no " +
-                                  platform::Utf8ToWide(detected.name) +
-                                  L" character; save the file in the encoding that it declares");
+        ThrowNoCharacter(path, bytes, detected, position);
     }
     return text;
 }
@@ -172,14 +179,58 @@ std::size_t ReadUtf8(std::string_view bytes, char32_t& character)
     return isValid ? length : 0;
 }
 
+/// The length of the UTF-8 characters that the bytes begin with, without U+0000.
+std::size_t Utf8Length(std::string_view bytes)
+{
+    std::size_t position = 0;
+    while (position < bytes.size()) {
+        if (bytes.size() - position >= 8 && IsPlain(bytes.data() + position)) {
+            position += 8;
+            continue;
+        }
+        char32_t character = 0;
+        const std::size_t length = ReadUtf8(bytes.substr(position), character);
+        if (length == 0) {
+            break;
+        }
+        position += length;
+    }
+    return position;
+}
+
+CString TextOf(const CString& path, std::string_view bytes, const Detected& detected)
+{
+    return detected.encoding == Encoding::Other ? LoadThroughParser(path, detected.name)
+                                                : Decode(path, bytes, detected);
+}
+
 } // namespace
 
 CString ReadXmlFile(const CString& path, Fingerprint* fingerprint)
 {
     const std::string bytes = ReadBytes(path, fingerprint);
+    return TextOf(path, bytes, Detect(path, bytes));
+}
+
+XMLParser ParseXmlFile(const CString& path, std::wstring_view kind, Fingerprint* fingerprint)
+{
+    const std::string bytes = ReadBytes(path, fingerprint);
     const Detected detected = Detect(path, bytes);
-    return detected.encoding == Encoding::Other ? LoadThroughParser(path, detected.name)
-                                                : Decode(path, bytes, detected);
+    XMLParser document;
+    if (detected.encoding == Encoding::Utf8) {
+        const std::string_view content = std::string_view(bytes).substr(detected.markSize);
+        if (const std::size_t length = Utf8Length(content); length != content.size()) {
+            ThrowNoCharacter(path, bytes, detected, length);
+        }
+        document.SetXml(content);
+    } else {
+        document.SetXml(TextOf(path, bytes, detected));
+    }
+    if (!document.GetRootNode().IsNode()) {
+        throw FileError(path, L"not " + CString(kind) + L": " +
+                                  ReasonOfRefusal(TextOf(path, bytes, detected)));
+    }
+    return document;
 }
 
 CString ReadTextFile(const CString& path, Fingerprint* fingerprint)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "encap/foundation/Types.h"
+#include "encap/xml/XMLParser.h"
 
 #include <string>
 #include <string_view>
@@ -13,6 +14,10 @@ class Fingerprint;
 /// either). Characters that it cannot hold in its encoding, and U+0000, are refused. The bytes are
 /// added to the fingerprint unless that is null. Throws FileError.
 [[nodiscard]] CString ReadXmlFile(const CString& path, Fingerprint* fingerprint);
+/// The document of an XML file, decoded as by ReadXmlFile. Throws FileError also when it does not
+/// parse: "not KIND" with the reason.
+[[nodiscard]] XMLParser ParseXmlFile(const CString& path, std::wstring_view kind,
+                                     Fingerprint* fingerprint);
 /// The text of any other file: UTF-8, or UTF-16 with a byte order mark. As ReadXmlFile.
 [[nodiscard]] CString ReadTextFile(const CString& path, Fingerprint* fingerprint);
 

@@ -2,6 +2,7 @@
 
 #include "cli/Console.h"
 #include "cli/Options.h"
+#include "cli/Paths.h"
 #include "cli/Results.h"
 #include "cli/TocFile.h"
 #include "cli/TocReport.h"
@@ -48,6 +49,7 @@ ExitStatus TocCommand::Run(Console& console)
         throw UsageError(L"--family and --category cannot be used together");
     }
     CToc toc = ReadToc(m_path);
+    RequireNotRead(m_output, m_path);
     Results results(console, m_output);
     m_family.empty() ? PrintTree(toc, results) : PrintFamilies(toc, results);
     results.Finish();

@@ -92,28 +92,6 @@ std::size_t XmlTags::EndOfTag() const
     return std::wstring_view::npos;
 }
 
-std::wstring_view ChildElementText(std::wstring_view text, std::wstring_view name)
-{
-    if (text.find(name) == std::wstring_view::npos) {
-        return {};
-    }
-    XmlTags tags(text);
-    std::size_t begin = std::wstring_view::npos;
-    while (tags.Next() && tags.Kind() != XmlTags::Tag::DocumentType) {
-        const bool isChild = tags.Depth() == (tags.Kind() == XmlTags::Tag::Opening ? 2 : 1);
-        if (!isChild || tags.Name() != name) {
-            continue;
-        }
-        if (tags.Kind() != XmlTags::Tag::Closing) {
-            begin = tags.Begin();
-        }
-        if (tags.Kind() != XmlTags::Tag::Opening && begin != std::wstring_view::npos) {
-            return text.substr(begin, tags.End() - begin);
-        }
-    }
-    return {};
-}
-
 CString ReasonOfRefusal(std::wstring_view text)
 {
     if (text.find_first_not_of(kWhiteSpace) == std::wstring_view::npos) {

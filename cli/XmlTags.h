@@ -46,9 +46,6 @@ private:
     int m_depth = 0;
 };
 
-/// The first child of the document element with that name, from its "<" to the ">" that closes it;
-/// empty when there is none.
-[[nodiscard]] std::wstring_view ChildElementText(std::wstring_view text, std::wstring_view name);
 /// Why a text that does not parse is refused, as far as it can be told.
 [[nodiscard]] CString ReasonOfRefusal(std::wstring_view text);
 

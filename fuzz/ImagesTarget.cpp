@@ -18,9 +18,8 @@ void UseBitmap(ByteView dib)
 {
     const std::string file = BuildBmp(dib);
     std::vector<unsigned char> again;
-    const bool hasMasks =
-        dib.size() >= kBitmapHeaderBytes &&
-        encap::ReadBitmapHeader(dib.data()).compression == kCompressionMasks;
+    const bool hasMasks = dib.size() >= kBitmapHeaderBytes &&
+                          encap::ReadBitmapHeader(dib.data()).compression == kCompressionMasks;
     Require(file.empty() || hasMasks || !ReadBmp(AsBytes(file), again),
             "a BMP file that was written is read");
     for (const uint32_t depth : {1U, 4U, 8U, 24U, 32U}) {

@@ -19,6 +19,8 @@ struct Target {
 
 /// A family document, then strings documents, each behind a zero byte: everything that reads.
 void RunFamily(std::string_view input);
+/// A family file, for the checks of the command line.
+void RunChecks(std::string_view input);
 /// A strings document for a fixed family.
 void RunStrings(std::string_view input);
 /// A script of calls, foreign edits of the document and calls back from the host among them.

@@ -1,6 +1,7 @@
 #include "cli/check/CheckedFamily.h"
 
 #include "cli/ColumnFacts.h"
+#include "cli/FormulaFault.h"
 #include "cli/FormulaText.h"
 #include "encap/foundation/CaseFolding.h"
 
@@ -36,6 +37,20 @@ std::vector<std::size_t> CheckedFamily::ReferencesIn(const CString& formula) con
         }
     }
     return references;
+}
+
+CString CheckedFamily::Suggestion(const CString& wrongId) const
+{
+    constexpr std::size_t kMostKept = 1000;
+    const auto known = m_suggestions.find(wrongId);
+    if (known != m_suggestions.end()) {
+        return known->second;
+    }
+    CString suggestion = SuggestColumns(m_family, wrongId);
+    if (m_suggestions.size() < kMostKept) {
+        m_suggestions.emplace(wrongId, suggestion);
+    }
+    return suggestion;
 }
 
 void CheckedFamily::ReadColumns()

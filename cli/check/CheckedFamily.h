@@ -50,6 +50,8 @@ public:
     [[nodiscard]] const CheckedColumn* FindColumn(const CString& id) const;
     /// The columns in braces, by index, as far as the table has them.
     [[nodiscard]] std::vector<std::size_t> ReferencesIn(const CString& formula) const;
+    /// The columns that an ID which the table does not have may mean, in words.
+    [[nodiscard]] CString Suggestion(const CString& wrongId) const;
 
 private:
     void ReadColumns();
@@ -61,6 +63,7 @@ private:
     std::vector<CString> m_languages;
     std::vector<CheckedColumn> m_columns;
     std::map<const CEncapFamilyColumn*, std::size_t> m_byColumn;
+    mutable ExactMap<CString> m_suggestions; ///< a wrong ID often stands in every row
 };
 
 /// Visits the child elements of that name in document order.

@@ -91,6 +91,9 @@ void RowReader::ReadCache(CheckedRow& row) const
     for (std::size_t language = 0; language < row.values.size(); ++language) {
         row.values[language].resize(columns.size());
         for (const CheckedColumn& column : columns) {
+            if (column.isShadowed) {
+                continue; // it would answer in the place of the column that is found by its ID
+            }
             CString text;
             const auto result = column.column->GetValue(
                 row.id.c_str(), m_family.Languages()[language].c_str(), text);

@@ -50,19 +50,17 @@ bool FormulaCheck::CheckText(const CString& text, const CheckedColumn& column, c
             {Shortened(text), CString(1, fault->brace), static_cast<int32_t>(fault->position + 1)});
         return false;
     }
-    bool isWhole = true;
-    std::vector<CString> ids = ReferencesOf(text);
-    for (auto id = ids.begin(); id != ids.end(); ++id) {
-        if (m_family.FindColumn(*id) == nullptr && std::find(ids.begin(), id, *id) == id) {
+    ExactMap<bool> unknown;
+    for (const CString& id : ReferencesOf(text)) {
+        if (m_family.FindColumn(id) == nullptr && unknown.emplace(id, true).second) {
             report.Add(Rule::ReferenceUnknown, place,
-                       {Shortened(text), *id, SuggestColumns(m_family.Opened(), *id)});
-            isWhole = false;
+                       {Shortened(text), Shortened(id), m_family.Suggestion(id)});
         }
     }
     if (column.holdsNumbers) {
         CheckPowers(text, place, report);
     }
-    return isWhole;
+    return unknown.empty();
 }
 
 void FormulaCheck::CheckPowers(const CString& text, const Place& place,

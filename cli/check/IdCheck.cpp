@@ -1,4 +1,4 @@
-#include "cli/FormulaFault.h"
+#include "cli/FailureReport.h"
 #include "cli/check/FamilyCheck.h"
 
 namespace encap::cli {
@@ -51,10 +51,10 @@ private:
     {
         if (!cell.hasId || cell.columnId.empty()) {
             report.Add(Rule::IdMissing, {.row = row.id},
-                       {FormatText(L"the cell \"%s\" has no ColumnId", {cell.text})});
+                       {FormatText(L"the cell \"%s\" has no ColumnId", {Shortened(cell.text)})});
         } else if (cell.column == nullptr) {
             report.Add(Rule::CellUnknownColumn, {.row = row.id, .column = cell.columnId},
-                       {cell.columnId, SuggestColumns(m_family.Opened(), cell.columnId)});
+                       {Shortened(cell.columnId), m_family.Suggestion(cell.columnId)});
         } else if (row.cellOf[cell.column->index] != &cell) {
             report.Add(Rule::IdDuplicate, {.row = row.id, .column = cell.columnId},
                        {L"the row has a cell of the column before this one, which counts"});

@@ -4,13 +4,15 @@
 #include "encap/foundation/RangeParser.h"
 #include "encap/foundation/StringUtil.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
 namespace encap::cli {
 namespace {
 
-constexpr double kStepTolerance = 1e-5; // parts of a step
+constexpr double kStepTolerance = 1e-5;     // parts of a step
+constexpr double kComputedTolerance = 1e-5; // parts of the number
 constexpr int kDigits = 8;
 constexpr int kAllDigits = 17;
 
@@ -28,7 +30,15 @@ std::optional<double> ReadNumber(CString text)
     return CStringUtil::ToDouble(text.c_str());
 }
 
-/// The number of a text in the column's unit, computed as a cell of the column is.
+/// A part of a range. Of two equal numbers that the host computed, one may be a cell that went
+/// through a conversion with six digits.
+struct RangeNumber {
+    double value = 0.0;
+    double tolerance = 0.0;
+};
+
+/// The number of a text in the column's unit, computed as a cell of the column is, but for the
+/// digits.
 std::optional<double> ComputeAsCell(const CheckedFamily& family, const CheckedColumn& column,
                                     const CString& rowId, const CString& text)
 {
@@ -37,9 +47,6 @@ std::optional<double> ComputeAsCell(const CheckedFamily& family, const CheckedCo
                                                   family.Languages().front().c_str(),
                                                   expression) != CTableEvaluator::EvaluateOK) {
         return std::nullopt;
-    }
-    if (const auto number = ReadNumber(expression)) {
-        return number;
     }
     IEvaluatorProvider& host = family.Opened().Provider();
     const CString unit = column.unit.empty() ? CString(L"ul") : column.unit;
@@ -53,20 +60,34 @@ std::optional<double> ComputeAsCell(const CheckedFamily& family, const CheckedCo
                                                   databaseUnit.c_str(), unit.c_str(), number) < 0) {
         return std::nullopt;
     }
-    return std::isfinite(number) ? std::optional<double>(number) : std::nullopt;
+    return std::isfinite(number) ? ReadNumber(NumberText(number)) : std::nullopt;
 }
 
-/// The number of a part of a range: the library checks values by free expressions, and computes a
-/// cell that holds the range with units.
-std::optional<double> Compute(const CheckedFamily& family, const CheckedColumn& column,
-                              const CString& rowId, const CString& text)
+std::optional<double> Evaluate(const CheckedFamily& family, const CheckedColumn& column,
+                               DataTypes::ColumnDataType type, const CString& rowId,
+                               const CString& text)
 {
     CString value;
-    const auto result = family.Opened().Table().Evaluate(text.c_str(), DataTypes::NormalFormula,
-                                                         column.column->GetDataType(),
-                                                         rowId.c_str(), column.unit.c_str(), value);
-    const auto number = result == CTableEvaluator::EvaluateOK ? ReadNumber(value) : std::nullopt;
-    return number ? number : ComputeAsCell(family, column, rowId, text);
+    const auto result = family.Opened().Table().Evaluate(
+        text.c_str(), DataTypes::NormalFormula, type, rowId.c_str(), column.unit.c_str(), value);
+    return result == CTableEvaluator::EvaluateOK ? ReadNumber(value) : std::nullopt;
+}
+
+/// The number of a part of a range: one that stands there or is referred to, else what a cell of
+/// the column would compute, else what a free-standing expression gives, as the library has it.
+std::optional<RangeNumber> Compute(const CheckedFamily& family, const CheckedColumn& column,
+                                   const CString& rowId, const CString& text)
+{
+    if (const auto number =
+            Evaluate(family, column, DataTypes::ColumnDataTypeString, rowId, text)) {
+        return RangeNumber{*number};
+    }
+    auto number = ComputeAsCell(family, column, rowId, text);
+    if (!number) {
+        number = Evaluate(family, column, column.column->GetDataType(), rowId, text);
+    }
+    return number ? std::optional<RangeNumber>({*number, std::abs(*number) * kComputedTolerance})
+                  : std::nullopt;
 }
 
 /// A range with the numbers that its parts have in a row.
@@ -80,13 +101,13 @@ public:
     [[nodiscard]] CString Contradiction() const;
     /// What a value is that the range does not hold ("above the maximum 10"); empty when it does.
     [[nodiscard]] CString Misfit(double value) const;
-    [[nodiscard]] std::optional<double> Default() const { return m_default.number; }
+    [[nodiscard]] const std::optional<RangeNumber>& Default() const { return m_default.number; }
 
 private:
     struct Part {
         const wchar_t* name;
         CString text;
-        std::optional<double> number{};
+        std::optional<RangeNumber> number{};
     };
 
     [[nodiscard]] CString Bounds(double value) const;
@@ -115,31 +136,35 @@ CString RangeInRow::Contradiction() const
 {
     for (const Part* part : {&m_minimum, &m_maximum, &m_step, &m_default}) {
         if (!part->text.empty() && !part->number) {
-            return FormatText(L"the %s \"%s\" has no value", {part->name, part->text});
+            return FormatText(L"the %s \"%s\" has no value", {part->name, Shortened(part->text)});
         }
     }
     if (m_minimum.number && m_maximum.number) {
-        if (*m_minimum.number > *m_maximum.number) {
+        const double least = m_minimum.number->value;
+        const double most = m_maximum.number->value;
+        const double tolerance = m_minimum.number->tolerance + m_maximum.number->tolerance;
+        if (least - most > tolerance) {
             return FormatText(L"the minimum %s is above the maximum %s",
-                              {NumberText(*m_minimum.number), NumberText(*m_maximum.number)});
+                              {NumberText(least), NumberText(most)});
         }
-        const double span = *m_maximum.number - *m_minimum.number;
-        if (m_step.number && *m_step.number > span) {
+        const double span = most - least;
+        if (m_step.number && m_step.number->value - span > tolerance + m_step.number->tolerance) {
             return FormatText(L"the step %s is larger than the span %s from minimum to maximum",
-                              {NumberText(*m_step.number), NumberText(span)});
+                              {NumberText(m_step.number->value), NumberText(span)});
         }
     }
-    const CString outside = m_default.number ? Bounds(*m_default.number) : CString();
-    return outside.empty() ? CString() : L"the default " + m_default.text + L" is " + outside;
+    const CString outside = m_default.number ? Bounds(m_default.number->value) : CString();
+    return outside.empty() ? CString()
+                           : L"the default " + Shortened(m_default.text) + L" is " + outside;
 }
 
 CString RangeInRow::Bounds(double value) const
 {
-    if (m_minimum.number && value < *m_minimum.number) {
-        return L"below the minimum " + NumberText(*m_minimum.number);
+    if (m_minimum.number && value < m_minimum.number->value - m_minimum.number->tolerance) {
+        return L"below the minimum " + NumberText(m_minimum.number->value);
     }
-    if (m_maximum.number && value > *m_maximum.number) {
-        return L"above the maximum " + NumberText(*m_maximum.number);
+    if (m_maximum.number && value > m_maximum.number->value + m_maximum.number->tolerance) {
+        return L"above the maximum " + NumberText(m_maximum.number->value);
     }
     return {};
 }
@@ -147,16 +172,16 @@ CString RangeInRow::Bounds(double value) const
 CString RangeInRow::Misfit(double value) const
 {
     CString outside = Bounds(value);
-    if (!outside.empty() || !m_step.number || *m_step.number <= 0.0) {
+    if (!outside.empty() || !m_step.number || m_step.number->value <= 0.0) {
         return outside;
     }
-    const double least = m_minimum.number.value_or(0.0);
-    const double steps = (value - least) / *m_step.number;
+    const double least = m_minimum.number ? m_minimum.number->value : 0.0;
+    const double steps = (value - least) / m_step.number->value;
     if (std::abs(steps - std::round(steps)) < kStepTolerance) {
         return {};
     }
     return FormatText(L"off the grid of %s and steps of %s",
-                      {NumberText(least), NumberText(*m_step.number)});
+                      {NumberText(least), NumberText(m_step.number->value)});
 }
 
 class RangeCheck : public FamilyCheck {
@@ -168,6 +193,7 @@ public:
 
 private:
     void NoteFileNames();
+    void MarkUsedBy(std::size_t column);
     bool CheckRange(const RangeInRow& range, const CString& text, const Place& place,
                     const FindingReport& report) const;
     void CheckCell(const CheckedRow& row, const CheckedColumn& column,
@@ -188,22 +214,40 @@ RangeCheck::RangeCheck(const CheckedFamily& family)
     NoteFileNames();
 }
 
-// The library gives the titles of the columns that the file name leaves out, in table order.
+// The library gives the titles of the columns that the file name leaves out, all of them where it
+// uses none; titles may be alike, so that the formula tells which.
 void RangeCheck::NoteFileNames()
 {
     CEncapFamilyTable& table = m_family.Opened().Table();
-    m_hasFileNames = table.GetFamilyColumnByType(CEncapFamilyColumn::ColumnTypeFileName) != nullptr;
+    const auto& columns = m_family.Columns();
+    const auto fileName =
+        std::find_if(columns.begin(), columns.end(), [](const CheckedColumn& column) {
+            return column.column->GetColumnType() == CEncapFamilyColumn::ColumnTypeFileName;
+        });
+    m_hasFileNames = fileName != columns.end();
     std::vector<CString> titles;
     if (table.FileNameOfCustomPartIsUnique(titles)) {
         return;
     }
-    auto next = titles.begin();
-    for (const CheckedColumn& column : m_family.Columns()) {
-        CString title;
-        column.column->GetTitle(title);
-        if (column.isCustom && next != titles.end() && title == *next) {
-            m_isInFileName[column.index] = false;
-            ++next;
+    const auto customs = std::count_if(columns.begin(), columns.end(),
+                                       [](const CheckedColumn& column) { return column.isCustom; });
+    m_isInFileName.assign(columns.size(), false);
+    if (m_hasFileNames && titles.size() < static_cast<std::size_t>(customs)) {
+        MarkUsedBy(fileName->index);
+    }
+}
+
+void RangeCheck::MarkUsedBy(std::size_t column)
+{
+    std::vector<std::size_t> open{column};
+    while (!open.empty()) {
+        const CString& formula = m_family.Columns()[open.back()].formula;
+        open.pop_back();
+        for (const std::size_t reference : m_family.ReferencesIn(formula)) {
+            if (!m_isInFileName[reference]) {
+                m_isInFileName[reference] = true;
+                open.push_back(reference);
+            }
         }
     }
 }
@@ -244,10 +288,10 @@ bool RangeCheck::CheckRange(const RangeInRow& range, const CString& text, const 
                    {L"in the range " + Shortened(text) + L" " + contradiction});
         return false;
     }
-    const CString misfit = range.Default() ? range.Misfit(*range.Default()) : CString();
+    const CString misfit = range.Default() ? range.Misfit(range.Default()->value) : CString();
     if (!misfit.empty()) {
         report.Add(Rule::RangeValue, place,
-                   {NumberText(*range.Default()), Shortened(text), misfit});
+                   {NumberText(range.Default()->value), Shortened(text), misfit});
     }
     return true;
 }
@@ -293,7 +337,7 @@ void RangeCheck::CheckValue(const CheckedRow& row, const CheckedColumn& column,
     const CString misfit = number ? range.Misfit(*number) : CString(L"no number");
     if (!misfit.empty()) {
         report.Add(Rule::RangeValue, {.row = row.id, .column = column.id},
-                   {L"\"" + value.text + L"\"", column.formula, misfit});
+                   {L"\"" + Shortened(value.text) + L"\"", Shortened(column.formula), misfit});
     }
 }
 

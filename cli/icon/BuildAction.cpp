@@ -40,7 +40,7 @@ ExitStatus BuildAction::Run(Console& console)
             throw UsageError(path + L": an icon of an executable is taken out of it with extract");
         }
         for (ICONIMAGE* image : ImagesOf(*source.Icons().front().icon)) {
-            RequireIconSize(*image, path);
+            RequireIconImage(*image, source);
             images.push_back(image);
         }
     }

@@ -62,7 +62,7 @@ ExitStatus ConvertAction::Run(Console& console)
     }
     std::vector<ICONIMAGE*> images;
     for (OwnedImage& image : converted) {
-        RequireIconSize(image.Image(), m_path);
+        RequireIconImage(image.Image(), source);
         images.push_back(&image.Image());
     }
     m_output.WriteIco(images, messages);

@@ -34,6 +34,10 @@ ExitStatus ExtractAction::Run(Console& console)
     LibraryMessages messages(console);
     const IconSource source(m_path, messages);
     m_output.RefuseToReplace(source);
+    const bool isIcon = source.Kind() == SourceKind::Ico || source.Kind() == SourceKind::Executable;
+    if (format == ImageFormat::Ico && !isIcon) {
+        RequireIconImage(m_choice.Image(source, messages), source);
+    }
     if (format == ImageFormat::Ico && !m_choice.IsOfImage()) {
         m_output.WriteIco(m_choice.Images(source, messages), messages);
     } else {

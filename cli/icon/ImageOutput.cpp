@@ -51,9 +51,7 @@ ImageFormat ImageOutput::Format() const
 
 void ImageOutput::RefuseToReplace(const IconSource& source) const
 {
-    if (IsSameFile(m_path, source.Path())) {
-        throw UsageError(m_path + L": -o names a file that is read");
-    }
+    RequireNotRead(m_path, source.Path());
 }
 
 void ImageOutput::WriteIco(const std::vector<ICONIMAGE*>& images, LibraryMessages& messages) const
@@ -97,6 +95,14 @@ void RequireIconSize(const ICONIMAGE& image, const CString& source)
         throw FileError(source, L"an image of " + SizeText(SizeOf(image)) +
                                     L" pixels is too large for an ICO file, which holds 256x256 "
                                     L"at most; convert --size makes it smaller");
+    }
+}
+
+void RequireIconImage(const ICONIMAGE& image, const IconSource& source)
+{
+    RequireIconSize(image, source.Path());
+    if (source.Kind() == SourceKind::Png && !IsWholeImage(image)) {
+        ThrowDamaged(image, source.Path());
     }
 }
 

@@ -28,6 +28,8 @@ private:
 
 /// Throws FileError when the image is larger than an icon's may be.
 void RequireIconSize(const ICONIMAGE& image, const CString& source);
+/// The same, and when the source is a damaged PNG file, whose bytes would come into an icon.
+void RequireIconImage(const ICONIMAGE& image, const IconSource& source);
 /// Whether the image has pixels that can be decoded.
 [[nodiscard]] bool IsWholeImage(const ICONIMAGE& image);
 

@@ -45,6 +45,19 @@ struct ListedIcon {
 /// Pixels that are decoded to see whether images are whole, of one file.
 constexpr uint64_t kMostChecked = uint64_t{16} << 20;
 
+/// PNG images of more are not decoded at all.
+constexpr uint64_t kMostPngPixels = uint64_t{4} << 20;
+
+/// Pixels that are decoded to see whether the image is whole: none of one that is seen at once to
+/// claim more than its bytes can hold, or too many.
+uint64_t PixelsToCheck(const ICONIMAGE& image, bool isPng)
+{
+    constexpr uint64_t kMostPixelsPerByte = 8;
+    const uint64_t pixels = PixelCount(image);
+    const uint64_t most = isPng ? kMostPngPixels : image.byteCount * kMostPixelsPerByte;
+    return pixels <= most ? pixels : 0;
+}
+
 std::vector<ListedIcon> ListIcons(const IconSource& source)
 {
     uint64_t pixelsLeft = kMostChecked;
@@ -61,7 +74,7 @@ std::vector<ListedIcon> ListIcons(const IconSource& source)
             listed.number = static_cast<uint32_t>(icon.images.size());
             listed.image = image;
             listed.isPng = IsPngImage(*image);
-            const uint64_t pixels = PixelCount(*image);
+            const uint64_t pixels = PixelsToCheck(*image, listed.isPng);
             if (pixels <= pixelsLeft) {
                 pixelsLeft -= pixels;
                 listed.isWhole = IsWholeImage(*image);
@@ -207,9 +220,7 @@ ExitStatus ListAction::Run(Console& console)
 {
     LibraryMessages messages(console);
     const IconSource source(m_path, messages);
-    if (!m_output.empty() && IsSameFile(m_output, m_path)) {
-        throw UsageError(m_output + L": -o names the file that is read");
-    }
+    RequireNotRead(m_output, m_path);
     const std::vector<ListedIcon> icons = ListIcons(source);
     Results results(console, m_output);
     if (m_format == kJson) {

@@ -15,11 +15,23 @@ using namespace encap;
 
 namespace {
 
-/// Parses a text into a new document that declares the encoding of family documents.
-bool ParseDocument(const wchar_t* xml, XMLParser& document)
+/// A document that declares the encoding of family documents unless it names one itself.
+XMLParser Declared(XMLParser document)
 {
-    document.CreateXmlDocument(vocabulary::kDocumentEncoding);
-    return document.SetXml(TextOrEmpty(xml)) && document.GetRootNode().IsNode();
+    if (!document.HasDeclaration()) {
+        document.CreateXmlDocument(vocabulary::kDocumentEncoding);
+    }
+    return document;
+}
+
+std::vector<XMLParser> Parsed(const std::vector<CString>& texts)
+{
+    std::vector<XMLParser> documents;
+    documents.reserve(texts.size());
+    for (const CString& text : texts) {
+        documents.emplace_back(text);
+    }
+    return documents;
 }
 
 } // namespace
@@ -37,11 +49,19 @@ CEncapFamily::CEncapFamily(IEvaluatorProvider* provider, bool localizeDecimalSep
 CEncapFamily::CEncapFamily(const wchar_t* familyXml, const std::vector<CString>& stringsXmls,
                            const wchar_t* cacheDirectory, IEvaluatorProvider* provider,
                            bool localizeDecimalSeparator)
+    : CEncapFamily(XMLParser(TextOrEmpty(familyXml)), Parsed(stringsXmls), cacheDirectory, provider,
+                   localizeDecimalSeparator)
+{
+}
+
+CEncapFamily::CEncapFamily(const XMLParser& family, const std::vector<XMLParser>& strings,
+                           const wchar_t* cacheDirectory, IEvaluatorProvider* provider,
+                           bool localizeDecimalSeparator)
     : m_provider(provider), m_localizeDecimalSeparator(localizeDecimalSeparator),
       m_decimalSeparator(localizeDecimalSeparator ? CStringUtil::GetDecimalSeparator() : L'\0'),
       m_strings(std::make_unique<FamilyStrings>())
 {
-    InitializeData(familyXml, stringsXmls, cacheDirectory);
+    InitializeData(family, strings, cacheDirectory);
     if (m_provider != nullptr) {
         m_provider->SetEncapFamily(this);
     }
@@ -56,17 +76,17 @@ CEncapFamily::~CEncapFamily()
     }
 }
 
-void CEncapFamily::InitializeData(const wchar_t* familyXml, const std::vector<CString>& stringsXmls,
+void CEncapFamily::InitializeData(const XMLParser& family, const std::vector<XMLParser>& strings,
                                   const wchar_t* cacheDirectory)
 {
     ClearData();
-    if (!ParseDocument(familyXml, m_document)) {
+    m_document = Declared(family);
+    if (!m_document.GetRootNode().IsNode()) {
         return;
     }
-    for (const CString& stringsXml : stringsXmls) {
-        XMLParser document;
-        if (ParseDocument(stringsXml.c_str(), document)) {
-            m_strings->Add(document);
+    for (const XMLParser& document : strings) {
+        if (document.GetRootNode().IsNode()) {
+            m_strings->Add(Declared(document));
         }
     }
     const XMLNode root = m_document.GetRootNode();

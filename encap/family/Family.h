@@ -34,6 +34,13 @@ public:
     CEncapFamily(const wchar_t* familyXml, const std::vector<CString>& stringsXmls,
                  const wchar_t* cacheDirectory, IEvaluatorProvider* provider,
                  bool localizeDecimalSeparator);
+    /// The same with documents that are parsed already, as from files: the family shares them and
+    /// edits them. A family document without a document element makes an empty family; a strings
+    /// document without one is skipped. A document without a declaration gets the one of family
+    /// documents.
+    CEncapFamily(const XMLParser& family, const std::vector<XMLParser>& strings,
+                 const wchar_t* cacheDirectory, IEvaluatorProvider* provider,
+                 bool localizeDecimalSeparator);
     CEncapFamily(const CEncapFamily&) = delete;
     CEncapFamily& operator=(const CEncapFamily&) = delete;
     virtual ~CEncapFamily();
@@ -191,7 +198,7 @@ public:
 private:
     friend class CEncapFamilyTable;
 
-    void InitializeData(const wchar_t* familyXml, const std::vector<CString>& stringsXmls,
+    void InitializeData(const XMLParser& family, const std::vector<XMLParser>& strings,
                         const wchar_t* cacheDirectory);
     void ClearData();
     void WriteLocalizedCell(const wchar_t* column, const wchar_t* row, const wchar_t* value,

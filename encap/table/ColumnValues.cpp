@@ -1,13 +1,16 @@
 #include "encap/evaluation/ColumnDependencies.h"
 #include "encap/evaluation/EvaluatorState.h"
+#include "encap/evaluation/ValueText.h"
 #include "encap/family/Vocabulary.h"
 #include "encap/foundation/NullText.h"
+#include "encap/foundation/RangeParser.h"
 #include "encap/foundation/StringUtil.h"
 #include "encap/table/FamilyColumn.h"
 #include "encap/table/FamilyTable.h"
 #include "encap/table/TableState.h"
 #include "encap/xml/NodeAccess.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 using encap::ColumnDependencies;
@@ -25,6 +28,36 @@ bool IsRevisionColumn(const CString& columnId)
 {
     return encap::EqualNoCase(columnId, vocabulary::kMemberRevisionColumn.View()) ||
            encap::EqualNoCase(columnId, vocabulary::kSourceMemberRevisionColumn.View());
+}
+
+// Whether documents keep the text of a cell exactly, and no step of an evaluation changes it.
+bool IsPlainText(const CString& text)
+{
+    const auto isPlain = [](wchar_t character) {
+        return character >= L' ' && static_cast<uint32_t>(character) < 0xD800 &&
+               character != L'{' && character != L'}';
+    };
+    return std::all_of(text.begin(), text.end(), isPlain) &&
+           (text.empty() || text.find_first_not_of(L' ') != CString::npos);
+}
+
+// Whether a text is what a cell that holds it evaluates to, for sure.
+bool EvaluatesToItself(const CEncapFamilyColumn& column, const CString& text,
+                       bool localizesDecimals)
+{
+    if (!IsPlainText(text) || CRangeParser::IsRange(text) ||
+        (text.empty() && column.IsLocalized())) {
+        return false;
+    }
+    CString joined;
+    switch (column.GetDataType()) {
+    case DataTypes::ColumnDataTypeReal:
+    case DataTypes::ColumnDataTypeInteger:
+        return CStringUtil::IsNumericValue(text.c_str()) &&
+               text.find_first_of(localizesDecimals ? L".," : L",") == CString::npos;
+    case DataTypes::ColumnDataTypeBoolean: return CStringUtil::IsLogicalValue(text.c_str());
+    default: encap::JoinTextPieces(text, joined); return joined == text;
+    }
 }
 
 } // namespace
@@ -96,6 +129,10 @@ void CEncapFamilyColumn::StoreValue(const CString& rowId, CEncapFamilyRow& row,
         table.cacheStore->Set(rowId, m_state->cacheNumber, reference, value);
         if (value.find(L'{') != CString::npos) {
             table.cacheStore->RowCache(rowId, true)->MarkHiddenReferences();
+        }
+        if (!m_state->bookkeeping &&
+            !EvaluatesToItself(*this, value, m_table->LocalizeDecimalSeparator())) {
+            table.cacheStore->RowCache(rowId, true)->MarkTypedTexts();
         }
     }
     if (m_state->dataType == DataTypes::ColumnDataTypeReal) {

@@ -10,10 +10,34 @@
 #include "encap/xml/NodeAccess.h"
 
 #include <new>
+#include <unordered_set>
 
+using encap::IdTable;
 using encap::TableAccess;
 using encap::TableState;
 namespace vocabulary = encap::vocabulary;
+
+namespace {
+
+using IdSet = std::unordered_set<CString, encap::NoCaseHash, encap::NoCaseEqual>;
+
+// The IDs that more than one row or column has. Which of them answers may be another one when the
+// document is opened again.
+template <class T>
+IdSet RepeatedIds(const IdTable<T>& items)
+{
+    IdSet repeated;
+    const auto count = static_cast<int>(items.Count());
+    for (int index = 0; index < count; ++index) {
+        const auto& entry = items.EntryAt(index);
+        if (items.FindEntry(entry.id) != &entry) {
+            repeated.insert(entry.id);
+        }
+    }
+    return repeated;
+}
+
+} // namespace
 
 CEncapFamilyTable::CEncapFamilyTable() : m_state(std::make_unique<TableState>())
 {
@@ -61,9 +85,16 @@ void CEncapFamilyTable::SaveCache()
     for (const auto& [columnId, value] : m_state->rangeColumnValues) {
         DropColumnValues(columnId);
     }
+    if (!m_state->cacheStore->IsChanged() || m_state->cacheStore->FilePath().empty()) {
+        return;
+    }
+    for (const CString& columnId : RepeatedIds(m_state->columns)) {
+        DropColumnValues(columnId);
+    }
+    const IdSet repeatedRows = RepeatedIds(m_state->rows);
     m_state->cacheStore->Save(m_state->columns.Ids(), [&](const CString& rowId) {
         const TableState::RowEntry* entry = m_state->rows.FindEntry(rowId);
-        return entry != nullptr && entry->id == rowId;
+        return entry != nullptr && entry->id == rowId && repeatedRows.count(rowId) == 0;
     });
 }
 

@@ -1,10 +1,12 @@
 #include "encap/evaluation/EvaluatorState.h"
 #include "encap/evaluation/ValueText.h"
+#include "encap/foundation/NumberText.h"
 #include "encap/foundation/RangeParser.h"
 #include "encap/foundation/StringUtil.h"
 #include "encap/table/FamilyTable.h"
 #include "encap/table/TableState.h"
 
+#include <cmath>
 #include <optional>
 
 using encap::EditScope;
@@ -14,6 +16,8 @@ using encap::TableAccess;
 namespace {
 
 constexpr double kStepTolerance = 1e-5;
+constexpr double kComputedTolerance = 1e-5; // parts of the number
+constexpr int kAllDigits = 17;
 
 bool FitsDataType(DataTypes::ColumnDataType type, const wchar_t* value)
 {
@@ -30,6 +34,13 @@ CString TitleOf(const CEncapFamilyColumn& column)
     return title;
 }
 
+/// A part of a range. Of two equal numbers that the host computed, one may be a cell that went
+/// through a conversion with six digits.
+struct RangeNumber {
+    double value = 0.0;
+    double tolerance = 0.0;
+};
+
 /// The numbers of a range, in a row and a column's unit; an absent part has none.
 class RangeInRow {
 public:
@@ -39,34 +50,76 @@ public:
         column.GetUnitType(m_unit);
     }
 
-    [[nodiscard]] std::optional<double> Number(const CString& part)
+    [[nodiscard]] std::optional<RangeNumber> Number(const CString& part)
+    {
+        if (part.empty()) {
+            return std::nullopt;
+        }
+        if (const auto number = Evaluated(part, DataTypes::ColumnDataTypeString)) {
+            return RangeNumber{*number}; // a number, or a reference to one
+        }
+        auto number = ComputedAsCell(part);
+        if (!number) {
+            number = Evaluated(part, m_type);
+        }
+        return number
+                   ? std::optional<RangeNumber>({*number, std::abs(*number) * kComputedTolerance})
+                   : std::nullopt;
+    }
+
+    /// A bound that is there but has no number makes every value invalid.
+    [[nodiscard]] bool Holds(const CRangeParser& range, double value)
+    {
+        const std::optional<RangeNumber> least = Number(range.getMin());
+        const std::optional<RangeNumber> most = Number(range.getMax());
+        if ((range.hasMin() && (!least || value < least->value - least->tolerance)) ||
+            (range.hasMax() && (!most || value > most->value + most->tolerance))) {
+            return false;
+        }
+        const std::optional<RangeNumber> step = Number(range.getStep());
+        const double start = least ? least->value : 0.0;
+        return !step || step->value <= 0.0 ||
+               CStringUtil::IsIntegerValue((value - start) / step->value, kStepTolerance);
+    }
+
+private:
+    [[nodiscard]] std::optional<double> Evaluated(const CString& part,
+                                                  DataTypes::ColumnDataType type)
     {
         CString text;
-        if (part.empty() ||
-            m_table.Evaluate(part.c_str(), DataTypes::NormalFormula, m_type, m_rowId,
-                             m_unit.c_str(), text) != CTableEvaluator::EvaluateOK ||
-            text.empty()) {
+        if (m_table.Evaluate(part.c_str(), DataTypes::NormalFormula, type, m_rowId, m_unit.c_str(),
+                             text) != CTableEvaluator::EvaluateOK ||
+            text.empty() || !CStringUtil::IsNumericValue(text.c_str())) {
             return std::nullopt;
         }
         CStringUtil::ReplaceDecimalPointOfCell(text);
         return CStringUtil::ToDouble(text.c_str());
     }
 
-    /// A bound that is there but has no number makes every value invalid.
-    [[nodiscard]] bool Holds(const CRangeParser& range, double value)
+    // As the column's cells are computed, but for the digits: free-standing expressions know
+    // lengths only.
+    [[nodiscard]] std::optional<double> ComputedAsCell(const CString& part)
     {
-        const std::optional<double> least = Number(range.getMin());
-        const std::optional<double> most = Number(range.getMax());
-        if ((range.hasMin() && (!least || value < *least)) ||
-            (range.hasMax() && (!most || value > *most))) {
-            return false;
+        const encap::HostCalls& host = TableAccess::Evaluator(m_table).host;
+        const CString unit = encap::UnitOrUnitless(m_unit);
+        CString expression;
+        CString databaseUnit;
+        double number = 0.0;
+        const CString language = encap::CurrentLanguage(&m_table);
+        if (m_table.ReplaceReferences(part.c_str(), m_rowId, language.c_str(), expression) !=
+                CTableEvaluator::EvaluateOK ||
+            !host.DatabaseUnit(unit, databaseUnit) || host.Evaluate(expression, unit, number) < 0 ||
+            !std::isfinite(number)) {
+            return std::nullopt;
         }
-        const std::optional<double> step = Number(range.getStep());
-        return !step || *step <= 0.0 ||
-               CStringUtil::IsIntegerValue((value - least.value_or(0.0)) / *step, kStepTolerance);
+        if (unit != databaseUnit &&
+            !host.Convert(encap::FormatGeneral(number, kAllDigits), databaseUnit, unit, number)) {
+            return std::nullopt;
+        }
+        encap::AssignNumberValue(number, L'.', expression);
+        return CStringUtil::ToDouble(expression.c_str());
     }
 
-private:
     CEncapFamilyTable& m_table;
     DataTypes::ColumnDataType m_type;
     const wchar_t* m_rowId;

@@ -91,6 +91,7 @@ namespace {
 
 /// A row's values get the room that they will take when the whole row is read, within reason.
 constexpr std::size_t kMostExpectedColumns = 64;
+constexpr std::size_t kLeastValueBytes = 6; // of the file: an index, and an empty text
 
 int GetFrom(const ColumnValues* values, uint32_t column, CString& value)
 {
@@ -118,13 +119,16 @@ void SaveValues(const ColumnValues& values, const ValueCacheStore& store, Archiv
     }
 }
 
-// Hands every complete entry to keep; false when reading failed.
-template <class Keep>
-bool LoadValues(ArchiveReader& reader, const ValueCacheStore& store, Keep keep)
+// Keeps every complete entry; false when reading failed.
+bool LoadValues(ArchiveReader& reader, const ValueCacheStore& store, ColumnValues& values)
 {
     int32_t count = 0;
     if (!reader.ReadInt32(count)) {
         return false;
+    }
+    if (count > 0) {
+        values.Expect(std::min({static_cast<std::size_t>(count), reader.Left() / kLeastValueBytes,
+                                kMostExpectedColumns}));
     }
     CString value;
     for (int32_t i = 0; i < count; ++i) {
@@ -134,7 +138,7 @@ bool LoadValues(ArchiveReader& reader, const ValueCacheStore& store, Keep keep)
         }
         const uint32_t column = store.ColumnOfFile(index);
         if (column != ValueCacheStore::kNoNumber) {
-            keep(column, value);
+            values.Set(column, value);
         }
     }
     return true;
@@ -174,10 +178,7 @@ void CValueCacheSimple::Clear()
 
 int CValueCacheSimple::Load(ArchiveReader& reader)
 {
-    const bool complete = LoadValues(reader, m_store, [&](uint32_t column, const CString& value) {
-        m_values.Set(column, value);
-    });
-    if (complete) {
+    if (LoadValues(reader, m_store, m_values)) {
         return 1;
     }
     return m_values.IsEmpty() ? -1 : 0;
@@ -204,7 +205,8 @@ void CValueCacheLoc::Set(uint32_t language, uint32_t column, std::wstring_view v
         }
     }
     const std::size_t expected = std::min(m_store.ColumnCount(), kMostExpectedColumns);
-    m_languages.push_back({language, encap::ColumnValues(expected)});
+    m_languages.push_back({language, ColumnValues()});
+    m_languages.back().values.Expect(expected);
     m_languages.back().values.Set(column, value);
 }
 
@@ -256,6 +258,7 @@ void CValueCacheLoc::Clear()
 {
     m_languages.clear();
     m_mayHoldHiddenReferences = false;
+    m_holdsTypedTexts = false;
     m_store.MarkChanged();
 }
 
@@ -265,21 +268,29 @@ int CValueCacheLoc::Load(ArchiveReader& reader)
     bool complete = reader.ReadInt32(count);
     for (int32_t i = 0; complete && i < count; ++i) {
         uint16_t index = 0;
-        if (!reader.ReadUInt16(index)) {
-            complete = false;
-            break;
-        }
-        const uint32_t language = m_store.LanguageOfFile(index);
-        complete = LoadValues(reader, m_store, [&](uint32_t column, const CString& value) {
-            if (language != ValueCacheStore::kNoNumber) {
-                Set(language, column, value);
-            }
-        });
+        complete = reader.ReadUInt16(index) && LoadLanguage(reader, m_store.LanguageOfFile(index));
     }
     if (complete) {
         return 1;
     }
     return m_languages.empty() ? -1 : 0;
+}
+
+// A file may name many languages, and one of them again and again: they are not searched.
+bool CValueCacheLoc::LoadLanguage(ArchiveReader& reader, uint32_t language)
+{
+    if (language == ValueCacheStore::kNoNumber) {
+        ColumnValues leftOut;
+        return LoadValues(reader, m_store, leftOut);
+    }
+    std::size_t& place = m_store.LoadingPlace(language);
+    if (place >= m_languages.size() || m_languages[place].number != language) {
+        place = m_languages.size();
+        m_languages.push_back({language, ColumnValues()});
+    }
+    const bool isComplete = LoadValues(reader, m_store, m_languages[place].values);
+    EraseIfEmpty(place);
+    return isComplete;
 }
 
 void CValueCacheLoc::Save(ArchiveWriter& writer) const

@@ -19,9 +19,8 @@ class ValueCacheStore;
 /// values must not take room for all of them.
 class ColumnValues {
 public:
-    ColumnValues() = default;
-    explicit ColumnValues(std::size_t expected) { m_values.reserve(expected); }
-
+    /// Makes room for the values of that many columns.
+    void Expect(std::size_t count) { m_values.reserve(count); }
     void Set(uint32_t column, std::wstring_view value);
     /// Null when the column has no value here.
     [[nodiscard]] const CompactText* Find(uint32_t column) const
@@ -114,6 +113,10 @@ public:
     /// when anything in it changes.
     [[nodiscard]] bool MayHoldHiddenReferences() const { return m_mayHoldHiddenReferences; }
     void MarkHiddenReferences() { m_mayHoldHiddenReferences = true; }
+    /// Whether a value is a text as it was typed into a cell, which may evaluate to another one:
+    /// the row then does not go into the file.
+    [[nodiscard]] bool HoldsTypedTexts() const { return m_holdsTypedTexts; }
+    void MarkTypedTexts() { m_holdsTypedTexts = true; }
 
 private:
     struct Language {
@@ -123,7 +126,9 @@ private:
 
     [[nodiscard]] const encap::ColumnValues* ValuesOf(uint32_t language) const;
     void EraseIfEmpty(std::size_t position);
+    [[nodiscard]] bool LoadLanguage(encap::ArchiveReader& reader, uint32_t language);
 
     std::vector<Language> m_languages;
     bool m_mayHoldHiddenReferences = false;
+    bool m_holdsTypedTexts = false;
 };

@@ -223,6 +223,12 @@ uint32_t ValueCacheStore::LanguageOfFile(uint16_t index) const
     return index < m_languagesOfFile.size() ? m_languagesOfFile[index] : kNoNumber;
 }
 
+std::size_t& ValueCacheStore::LoadingPlace(uint32_t language)
+{
+    m_loadingPlaces.resize(m_languages.size());
+    return m_loadingPlaces[language];
+}
+
 void ValueCacheStore::Load()
 {
     std::string bytes;
@@ -246,6 +252,7 @@ void ValueCacheStore::Load()
     LoadRows(reader);
     m_columnsOfFile = {};
     m_languagesOfFile = {};
+    m_loadingPlaces = {};
     m_changed = false;
 }
 
@@ -279,7 +286,7 @@ ValueCacheStore::RowsToSave(const std::function<bool(const CString&)>& keepRow) 
 {
     std::vector<const CString*> rowIds;
     for (const auto& [rowId, row] : m_rows) {
-        if (!rowId.empty() && keepRow(rowId)) {
+        if (!rowId.empty() && !row->HoldsTypedTexts() && keepRow(rowId)) {
             rowIds.push_back(&rowId);
         }
     }

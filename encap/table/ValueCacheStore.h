@@ -90,8 +90,9 @@ public:
     [[nodiscard]] bool IsChanged() const { return m_changed; }
     /// Empty when there is no directory.
     [[nodiscard]] const CString& FilePath() const { return m_filePath; }
-    /// Writes the file when something changed; the rows that keepRow refuses are left out. Columns
-    /// are numbered in the order of columnIds. Failures are silent.
+    /// Writes the file when something changed; the rows that keepRow refuses and those that hold
+    /// typed texts are left out. Columns are numbered in the order of columnIds. Failures are
+    /// silent.
     void Save(const std::vector<CString>& columnIds,
               const std::function<bool(const CString&)>& keepRow);
 
@@ -106,6 +107,8 @@ public:
     /// The number of what stands at an index of the file being read, kNoNumber when nothing does.
     [[nodiscard]] uint32_t ColumnOfFile(uint16_t index) const;
     [[nodiscard]] uint32_t LanguageOfFile(uint16_t index) const;
+    /// Where the row that is being read may have a language: what the last row that had it noted.
+    [[nodiscard]] std::size_t& LoadingPlace(uint32_t language);
 
 private:
     void Load();
@@ -128,6 +131,7 @@ private:
     std::vector<uint16_t> m_fileColumns;   ///< by column number, while saving
     std::vector<uint32_t> m_columnsOfFile; ///< by file index, while loading
     std::vector<uint32_t> m_languagesOfFile;
+    std::vector<std::size_t> m_loadingPlaces; ///< by language number
 };
 
 } // namespace encap

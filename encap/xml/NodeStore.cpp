@@ -108,8 +108,7 @@ void NodeStore::GiveLarge(void* memory) noexcept
 void NodeStore::AddBlock()
 {
     const std::size_t size = std::clamp(m_blockSize * 2, kFirstBlock, kLargestBlock);
-    std::unique_ptr<std::byte[]> block(new std::byte[size]); // its bytes are set piece by piece
-    m_blocks.push_back(std::move(block));
+    m_blocks.push_back(platform::NewMemoryBlock(size));
     m_blockSize = size;
     m_next = m_blocks.back().get();
     m_left = size;

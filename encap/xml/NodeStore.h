@@ -1,8 +1,9 @@
 #pragma once
 
+#include "encap/platform/MemoryBlock.h"
+
 #include <array>
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 namespace encap {
@@ -39,7 +40,7 @@ private:
     void GiveLarge(void* memory) noexcept;
     void AddBlock();
 
-    std::vector<std::unique_ptr<std::byte[]>> m_blocks;
+    std::vector<platform::MemoryBlock> m_blocks;
     std::byte* m_next = nullptr; ///< the unused rest of the last block
     std::size_t m_left = 0;
     std::size_t m_blockSize = 0;

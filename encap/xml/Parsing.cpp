@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <limits>
 #include <memory>
 #include <new>
 #include <string>
@@ -100,15 +99,31 @@ ParsedDocument Parse(Read read)
 }
 
 /// The encoding name in the declaration of a text that parses; empty when it names none.
-std::string NamedEncoding(std::wstring_view xml)
+std::string NamedEncoding(std::string_view xml)
 {
-    const std::wstring_view declaration = xml.substr(0, xml.find(L"?>"));
-    const std::size_t quote = declaration.find_first_of(L"\"'", declaration.find(L"encoding"));
-    if (quote == std::wstring_view::npos) {
+    const std::string_view declaration = xml.substr(0, xml.find("?>"));
+    const std::size_t quote = declaration.find_first_of("\"'", declaration.find("encoding"));
+    if (quote == std::string_view::npos) {
         return {};
     }
-    const std::wstring_view name = declaration.substr(quote + 1);
-    return platform::WideToUtf8(name.substr(0, name.find(declaration[quote])));
+    const std::string_view name = declaration.substr(quote + 1);
+    return std::string(name.substr(0, name.find(declaration[quote])));
+}
+
+/// Hands out bytes piece by piece, of which the parser copies no more than it needs at a time.
+int ReadBytes(void* rest, char* buffer, int size)
+{
+    auto& bytes = *static_cast<std::string_view*>(rest);
+    const std::size_t given = bytes.copy(buffer, static_cast<std::size_t>(size));
+    bytes.remove_prefix(given);
+    return static_cast<int>(given);
+}
+
+ParsedDocument ParseBytes(std::string_view bytes, int options)
+{
+    return Parse([&](xmlParserCtxt* context) {
+        return xmlCtxtReadIO(context, ReadBytes, nullptr, &bytes, nullptr, nullptr, options);
+    });
 }
 
 } // namespace
@@ -125,6 +140,20 @@ ParsedDocument ParseText(std::wstring_view xml)
     });
     source.ThrowFailure();
     if (parsed.declaration.isPresent) {
+        parsed.declaration.encoding =
+            NamedEncoding(platform::WideToUtf8(xml.substr(0, xml.find(L"?>") + 2)));
+    }
+    return parsed;
+}
+
+ParsedDocument ParseUtf8Text(std::string_view xml)
+{
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    if (xml.starts_with(kMark)) {
+        xml.remove_prefix(kMark.size());
+    }
+    ParsedDocument parsed = ParseBytes(xml, kOptions | XML_PARSE_IGNORE_ENC);
+    if (parsed.declaration.isPresent) {
         parsed.declaration.encoding = NamedEncoding(xml);
     }
     return parsed;
@@ -132,14 +161,8 @@ ParsedDocument ParseText(std::wstring_view xml)
 
 ParsedDocument ParseFileBytes(std::string_view bytes)
 {
-    if (bytes.empty() || bytes.size() > std::numeric_limits<int>::max()) {
-        return {};
-    }
     const SilentErrors silent;
-    return Parse([&](xmlParserCtxt* context) {
-        return xmlCtxtReadMemory(context, bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                                 nullptr, kOptions);
-    });
+    return ParseBytes(bytes, kOptions);
 }
 
 } // namespace encap

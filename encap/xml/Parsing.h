@@ -19,6 +19,8 @@ struct ParsedDocument {
 /// Parses a decoded text, whatever encoding its declaration names; a byte order mark before it is
 /// passed over.
 [[nodiscard]] ParsedDocument ParseText(std::wstring_view xml);
+/// The same for a text in UTF-8.
+[[nodiscard]] ParsedDocument ParseUtf8Text(std::string_view xml);
 /// Parses the bytes of a file in the encoding that its byte order mark or declaration names.
 [[nodiscard]] ParsedDocument ParseFileBytes(std::string_view bytes);
 

@@ -87,6 +87,11 @@ bool XMLParser::CreateXmlDocument(const wchar_t* encoding)
     return true;
 }
 
+bool XMLParser::HasDeclaration() const
+{
+    return m_document && m_document.Get()->declaration.isPresent;
+}
+
 bool XMLParser::LoadXmlDocument(const wchar_t* path)
 {
     std::string bytes;
@@ -168,6 +173,11 @@ bool XMLParser::SetXml(const wchar_t* xml)
 bool XMLParser::SetXml(const CString& xml)
 {
     return m_document && m_document.Get()->Replace(encap::ParseText(xml));
+}
+
+bool XMLParser::SetXml(std::string_view utf8)
+{
+    return m_document && m_document.Get()->Replace(encap::ParseUtf8Text(utf8));
 }
 
 XMLNode XMLParser::GetRootNode() const

@@ -101,11 +101,12 @@ TEST(BatchCommand, FindsTheFamiliesOfATableOfContentsByName)
     library.AddFamily("far/moved", {"1"});
     library.AddFamily("b", {"1"});
     library.AddFile("copies/b.xml", ReadFile(library.Path("b/b.xml")));
+    library.AddFile("cut.xml", "<Family>");
     const std::string toc = library.AddFile(
         "tables/toc.xml",
         "<TableOfContents><Families><F InternalName='id-far/moved' FolderName='elsewhere'/>"
         "<F InternalName='id-b' FolderName='copies'/><F InternalName='gone' DisplayName='Gone'/>"
-        "</Families></TableOfContents>");
+        "<F InternalName=''/></Families></TableOfContents>");
     const CliRun run = Batch({toc, "--library", library.Path()});
     EXPECT_EQ(3, run.status);
     EXPECT_EQ((std::vector<std::string>{"copies/b.xml", "far/moved/far/moved.xml"}), [&] {
@@ -119,6 +120,15 @@ TEST(BatchCommand, FindsTheFamiliesOfATableOfContentsByName)
         << run.out;
     EXPECT_NE(std::string::npos,
               run.err.find("there is no document of the family \"gone\" (Gone) below "));
+    EXPECT_NE(std::string::npos, run.err.find("there is no document of the family \"\" ()"));
+    // The first by path, whichever were looked into before.
+    library.AddFile("copies/z.xml", "<F InternalName='id-a'><FamilyTable/></F>");
+    const std::string other = library.AddFile(
+        "tables/other.xml", "<TableOfContents><Families><F InternalName='id-b'/>"
+                            "<F InternalName='id-a' FolderName='copies'/></Families>"
+                            "</TableOfContents>");
+    EXPECT_EQ((std::vector<std::string>{"b/b.xml", "copies/z.xml"}),
+              FilesOf(library.Short(Batch({other, "--library", library.Path()}).out)));
 }
 
 TEST(BatchCommand, ChecksInsteadOfEvaluating)
@@ -150,6 +160,13 @@ TEST(BatchCommand, RefusesWhatItCannotDo)
     ExpectRefusal(Batch({library.Path("empty")}), 3, "there is no family document here");
     ExpectRefusal(Batch({library.Path("*/no*.xml")}), 3, "there is no family document here");
     EXPECT_EQ(3, Batch({path, library.Path("gone.xml")}).status);
+    const CliRun unfit = Batch({path, library.Path("*/no*.xml")});
+    EXPECT_EQ(3, unfit.status);
+    EXPECT_NE(std::string::npos, unfit.err.find("*/no*.xml: nothing fits this pattern"));
+    const std::string read = ReadFile(path);
+    ExpectRefusal(Batch({library.Path(), "-o", path}), 2, "a/a.xml: -o names a file that is read");
+    ExpectRefusal(CliRun({"find", path, "{D} > 0mm", "-o", path}), 2, "-o names a file that");
+    EXPECT_EQ(read, ReadFile(path));
     const CliRun noLanguage = Batch({path, "--language", "de"});
     EXPECT_EQ(3, noLanguage.status);
     EXPECT_NE(std::string::npos, noLanguage.err.find("no strings in the language 'de'"));

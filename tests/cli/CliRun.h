@@ -20,7 +20,8 @@ struct CliRun {
     {
         std::ostringstream outStream;
         std::ostringstream errStream;
-        status = cli::RunCommand(arguments, outStream, errStream);
+        std::unique_ptr<cli::Command> command;
+        status = cli::RunCommand(arguments, outStream, errStream, command);
         out = outStream.str();
         err = errStream.str();
     }

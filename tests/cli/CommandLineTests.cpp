@@ -156,7 +156,8 @@ TEST(CommandLine, OutputThatIsNotTakenIsAFailure)
         ShortBuffer buffer(10);
         std::ostream out(&buffer);
         std::ostringstream err;
-        EXPECT_EQ(3, cli::RunCommand(arguments, out, err));
+        std::unique_ptr<cli::Command> command;
+        EXPECT_EQ(3, cli::RunCommand(arguments, out, err, command));
         EXPECT_EQ("encap: the results cannot be written: standard output is closed or full\n",
                   err.str());
     }

@@ -121,15 +121,33 @@ TEST(FindCommand, RefusesWhatIsNoCondition)
     ExpectRefusal(CliRun({"find", path}), 2, "a path and a condition are asked for");
 }
 
-// Only a family's units bring the end of this one to light: one member tells it for all.
-TEST(FindCommand, TellsOnceInAFamilyWhatNoMemberCanAnswer)
+// Only a family's units bring the end of the first to light.
+TEST(FindCommand, TellsOnceInAFamilyWhatItsMembersCannotAnswer)
 {
     LibraryFolder library;
-    const CliRun run({"find", library.AddFamily("pin", {"7", "8"}, kText), "{D} > 6mm and {D} <"});
-    EXPECT_EQ(1, run.status);
-    const std::size_t told = run.err.find("the text ends where a number");
-    EXPECT_NE(std::string::npos, told) << run.err;
-    EXPECT_EQ(std::string::npos, run.err.find("the text ends", told + 1)) << run.err;
+    const std::string path = library.AddFamily("pin", {"", "7", "8", ""}, kText);
+    const struct {
+        const char* condition;
+        const char* told;
+        const char* rows;
+    } cases[] = {
+        {"{D} > 6mm and {D} <",
+         "asked to compute \"1mm > 6mm and 1mm <\" in ul: the text ends where a number, a "
+         "function or \"(\" is expected (at character 20)",
+         ""},
+        {"{D} > 7mm", "2 members cannot be judged; the first: row r1, column D: the cell is empty",
+         "pin:r3"},
+        {"({D}-7mm)/({D}-7mm) > 0",
+         "3 members cannot be judged; the first: row r1, column D: the cell is empty", "pin:r3"},
+    };
+    for (const auto& each : cases) {
+        const CliRun run({"find", path, each.condition, "--format", "csv"});
+        EXPECT_EQ(1, run.status);
+        EXPECT_EQ(each.rows, RowsOf(run));
+        EXPECT_EQ(2, run.Messages()) << run.err;
+        EXPECT_EQ("encap: pin/pin.xml: " + std::string(each.told),
+                  library.Short(run.err.substr(0, run.err.find('\n'))));
+    }
 }
 
 TEST(FindCommand, NamesFamilyRowDesignationAndColumns)

@@ -101,6 +101,11 @@ TEST(IconCommand, WhatCannotBeDoneHasItsLineAndStatus)
     const std::string ico = Icon("icotool-depths.ico");
     const std::string dll = Icon("windres-64.dll");
     const std::string path = Utf8(folder.File(L"none/out.ico"));
+    std::string bytes = ReadFile(Icon("magick-grad.bmp")) + std::string(48, '\0');
+    bytes.replace(18, 8, std::string("\x10\x01\0\0\1\0\0\0", 8)); // width and height
+    const std::string broad = WriteFile(folder, L"broad.bmp", bytes);
+    const std::string png("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x08\0\0\0\x08\x08\6\0\0\0", 29);
+    const std::string cut = WriteFile(folder, L"cut.png", png + std::string(20, '\0'));
     ExpectFailures({
         {{"extract", ico}, 2, {"-o FILE is required"}},
         {{"extract", ico, "-o", "out.gif"}, 2, {"out.gif: -o names no file that ends in"}},
@@ -120,6 +125,10 @@ TEST(IconCommand, WhatCannotBeDoneHasItsLineAndStatus)
         {{"convert", ico, "--size", "16", "--size", "8", "-o", "a.png"}, 2, {"several --size"}},
         {{"convert", ico, "--size", "257", "-o", out}, 3, {ico + ": an image of 257x257 pixels"}},
         {{"convert", ico, "--bits", "2", "-o", out}, 2, {"--bits: '2' is none of 1, 4, 8"}},
+        {{"extract", broad, "-o", out}, 3, {broad + ": an image of 272x1 pixels is too large"}},
+        {{"build", cut, "-o", out}, 3, {cut + ": the image of 8x8 pixels is damaged"}},
+        {{"extract", cut, "-o", out}, 3, {cut + ": the image of 8x8 pixels is damaged"}},
+        {{"convert", cut, "-o", out}, 3, {cut + ": the image of 8x8 pixels is damaged"}},
         {{"show", ico}, 3, {"standard output is no terminal; --force"}},
         {{"show", ico, "--background", "red"}, 2, {"--background takes a colour of six digits"}},
         {{}, 2, {"an action is missing, one of list, extract, build"}},
@@ -224,6 +233,8 @@ TEST(IconCommand, DamageIsListedAndTold)
     ExpectRefusal(RunIcon({"convert", path, "--image", "3", "--bits", "1", "-o", out}), 3, damaged);
     ExpectRefusal(RunIcon({"show", path, "--image", "3", "--force"}), 3, damaged);
     EXPECT_EQ(0, RunIcon({"extract", path, "--image", "4", "-o", out}).status);
+    bytes.replace(third + 4, 4, "\xFF\xFF\xFF\x7F"); // past any number that is decoded to see it
+    EXPECT_EQ(1, RunIcon({"list", WriteFile(folder, L"damaged.ico", bytes)}).status);
 }
 
 TEST(IconCommand, AFailedWriteLeavesTheOldFileAndHasItsMessage)

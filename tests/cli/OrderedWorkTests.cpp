@@ -5,6 +5,8 @@
 #include <atomic>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
+#include <utility>
 
 namespace encap::test {
 namespace {
@@ -12,16 +14,17 @@ namespace {
 using Work = cli::OrderedWork<std::size_t>;
 
 /// The results until the end.
-std::vector<std::size_t> Drain(Work& work)
+template <class AnyWork>
+std::vector<std::size_t> Drain(AnyWork& work)
 {
     std::vector<std::size_t> results;
     std::size_t result = 0;
     for (;;) {
-        const Work::State state = work.Next(result, std::chrono::milliseconds(20));
-        if (state == Work::State::Done) {
+        const auto state = work.Next(result, std::chrono::milliseconds(20));
+        if (state == AnyWork::State::Done) {
             return results;
         }
-        if (state == Work::State::Ready) {
+        if (state == AnyWork::State::Ready) {
             results.push_back(result);
         }
     }
@@ -100,6 +103,30 @@ TEST(OrderedWork, HandsOnWhatIsThrownAndStops)
     EXPECT_THROW(Drain(unmade), std::runtime_error);
     // One that nobody waits for.
     const Work left(100'000, 3, [] { return Busy; });
+}
+
+/// Of which the system gives two, and then none.
+class ScarceThread : public std::jthread {
+public:
+    template <class Function>
+    explicit ScarceThread(Function run)
+        : std::jthread(s_given++ < 2 ? std::move(run)
+                                     : throw std::system_error(
+                                           std::make_error_code(std::errc::not_enough_memory)))
+    {
+    }
+
+private:
+    static inline int s_given = 0;
+};
+
+TEST(OrderedWork, DoesWithTheThreadsThatThereAre)
+{
+    using ScarceWork = cli::OrderedWork<std::size_t, ScarceThread>;
+    const auto make = [] { return Busy; };
+    ScarceWork work(400, 8, make);
+    EXPECT_EQ(400U, Drain(work).size());
+    EXPECT_THROW(ScarceWork(400, 8, make), cli::CommandError);
 }
 
 TEST(OrderedWork, BatchesOfFamiliesOnSeveralThreads)

@@ -79,6 +79,22 @@ TEST(TableCommand, OutputFileIsReplacedAsAWhole)
                   "folder.csv: the file cannot be written");
 }
 
+TEST(TableCommand, OutputIsNeverAFileThatIsRead)
+{
+    const TemporaryFolder folder;
+    const std::string text = ReadFile(Faults());
+    const std::string family = WriteFile(folder, L"family.xml", text);
+    const std::string strings = WriteFile(folder, L"de.xml", "<S xml:lang='de'/>");
+    for (const char* command : {"table", "info"}) {
+        for (const std::string& output : {family, strings}) {
+            ExpectRefusal(CliRun({command, family, "--strings", strings, "-o", output}), 2,
+                          "-o names a file that is read");
+        }
+    }
+    ExpectRefusal(CliRun({"check", family, "-o", family}), 2, "-o names a file that is read");
+    EXPECT_EQ(text, ReadFile(family));
+}
+
 TEST(TableCommand, MaterialsAreNamedFromTheirTable)
 {
     const TemporaryFolder folder;

@@ -129,6 +129,8 @@ TEST_F(TocCommand, RefusesWhatItDoesNotFind)
     ExpectRefusal(Run({"--category", "none"}), 2, "there is no category 'none'");
     ExpectRefusal(Run({"--family", "none"}), 2, "there is no family 'none'");
     ExpectRefusal(Run({"--family", "nut", "--category", "c1"}), 2, "cannot be used together");
+    const std::string empty = m_folder.AddFile("empty.xml", "<TableOfContents/>");
+    ExpectRefusal(CliRun({"toc", empty, "-o", empty}), 2, "-o names a file that is read");
     ExpectRefusal(CliRun({"toc", m_folder.AddFamily("pin", {"1"})}), 3,
                   "not a table of contents: its document element is \"Family\"");
     ExpectRefusal(CliRun({"toc", m_folder.AddFile("cut.xml", "<TableOfContents>")}), 3,

@@ -27,12 +27,13 @@ std::vector<fs::path> InputsOf(const std::string& target)
     std::vector<fs::path> files;
     std::vector<fs::path> folders{fs::path(ENCAP_FUZZ_CORPUS) / target,
                                   fs::path(ENCAP_TEST_DATA) / "fuzz" / target};
-    if (target == "images") {
-        folders.push_back(fs::path(ENCAP_TEST_DATA) / "icons");
+    if (target == "images" || target == "checks") {
+        folders.push_back(fs::path(ENCAP_TEST_DATA) / (target == "images" ? "icons" : target));
     }
     for (const fs::path& folder : folders) {
         if (fs::is_directory(folder)) {
-            std::copy(fs::directory_iterator(folder), {}, std::back_inserter(files));
+            std::copy_if(fs::recursive_directory_iterator(folder), {}, std::back_inserter(files),
+                         [](const fs::directory_entry& entry) { return entry.is_regular_file(); });
         }
     }
     std::ranges::sort(files);

@@ -138,8 +138,8 @@ TEST(BmpFile, ALongerHeaderIsWrittenAsTheCommonOne)
 {
     const std::string more(68, '\x7F');
     const std::string longHeader = Le32(108) + InfoHeader(1, 1, 8, 0, 2).substr(4) + more;
-    const std::string file =
-        BuildBmp(AsBytes(longHeader + Le32(0x102030) + Le32(0x405060) + std::string("\1\0\0\0", 4)));
+    const std::string file = BuildBmp(
+        AsBytes(longHeader + Le32(0x102030) + Le32(0x405060) + std::string("\1\0\0\0", 4)));
     std::vector<unsigned char> dib;
     ASSERT_FALSE(ReadBmp(AsBytes(file), dib));
     EXPECT_EQ(ColourAt(dib, 0, 0), 0x405060U);

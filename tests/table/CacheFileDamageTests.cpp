@@ -244,6 +244,41 @@ TEST_F(CacheFileDamage, ValuesOfFarColumnsCostNoRoomForTheColumnsBetween)
     }
 }
 
+TEST_F(CacheFileDamage, ManyLanguagesAndManySmallRowsCostNoMoreThanTheirBytes)
+{
+    constexpr uint32_t kMany = 20'000;
+    FileWriter many;
+    std::vector<CString> tags;
+    for (uint32_t i = 0; i < kMany; ++i) {
+        tags.push_back(std::to_wstring(i));
+    }
+    many.Number(1, 4);
+    many.Texts({tags.begin(), tags.begin() + 100});
+    many.Texts(tags);
+    many.Number(kMany / 4, 4);
+    for (uint32_t row = 0; row < kMany / 4; ++row) {
+        const uint32_t count = row == 0 ? kMany : 1;
+        many.Text(L"r" + std::to_wstring(row));
+        many.Number(count, 4);
+        for (uint32_t i = 0; i < count; ++i) {
+            many.Number(count - 1 - i, 2);
+            many.Number(1, 4);
+            many.Number(0, 2);
+            many.Text(L"v" + std::to_wstring(row));
+        }
+    }
+    const AllocationPeak memory;
+    const auto store = Open(many.bytes);
+    EXPECT_LT(memory.Bytes(), 15 * many.bytes.size());
+    CString value;
+    for (const CString& tag : {tags.front(), tags.back()}) {
+        EXPECT_EQ(store->Get(L"r0", store->FindColumn(tags[0]), tag, value), 0);
+        EXPECT_EQ(value, L"v0");
+    }
+    EXPECT_EQ(store->Get(L"r7", store->FindColumn(tags[0]), tags[0], value), 0);
+    EXPECT_EQ(store->Get(L"r7", store->FindColumn(tags[0]), tags[1], value), 1);
+}
+
 TEST_F(CacheFileDamage, FamiliesHaveTheRightValuesAfterEveryTruncation)
 {
     FamilyBuilder builder;

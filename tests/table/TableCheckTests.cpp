@@ -52,16 +52,22 @@ TEST(TableExport, EvaluatesEveryCellOfACopy)
 TEST(TableChecks, ValuesFitTheirColumnsTypeAndRange)
 {
     CStandaloneEvaluatorProvider provider;
-    const auto family = FamilyBuilder()
-                            .Column({L"L", L"double", L"mm", L"[10;20;2.5;10]", L"Custom='true'"})
-                            .Column({L"UP", L"double", L"mm", L"[{LOW};;;]", L"Custom='true'"})
-                            .Column({L"LOW", L"double", L"mm"})
-                            .Column({L"N", L"integer"})
-                            .Column({L"B", L"boolean"})
-                            .Column({L"S", L"string"})
-                            .Row(L"a", {{L"LOW", L"3"}, {L"L", L"17.5"}})
-                            .Row(L"b", {{L"LOW", L"7"}, {L"L", L"18"}})
-                            .Open(&provider);
+    const auto family =
+        FamilyBuilder()
+            .Column({L"L", L"double", L"mm", L"[10;20;2.5;10]", L"Custom='true'"})
+            .Column({L"UP", L"double", L"mm", L"[{LOW};;;]", L"Custom='true'"})
+            .Column({L"LOW", L"double", L"mm"})
+            .Column({L"F", L"double", L"N", L"[{LOAD}*2;90N+10N;;]", L"Custom='true'"})
+            .Column({L"LOAD", L"double", L"N", L"10"})
+            .Column({L"TURN", L"double", L"deg", L"[0;{W}*10;{W};]", L"Custom='true'"})
+            .Column({L"W", L"double", L"deg", L"2.5"})
+            .Column({L"SQUARE", L"double", L"mm", L"[1;{LOW}*{LOW};;]", L"Custom='true'"})
+            .Column({L"N", L"integer"})
+            .Column({L"B", L"boolean"})
+            .Column({L"S", L"string"})
+            .Row(L"a", {{L"LOW", L"3"}, {L"L", L"17.5"}})
+            .Row(L"b", {{L"LOW", L"7"}, {L"L", L"18"}})
+            .Open(&provider);
     CEncapFamilyTable& table = *family->GetEncapFamilyTable();
     struct Case {
         const wchar_t* row;
@@ -70,11 +76,18 @@ TEST(TableChecks, ValuesFitTheirColumnsTypeAndRange)
         bool isValid;
     };
     const Case cases[] = {
-        {L"a", L"L", L"12.5", true}, {L"a", L"L", L"12,5", true}, {L"a", L"L", L"13", false},
-        {L"a", L"L", L"9", false},   {L"a", L"L", L"20", true},   {L"a", L"L", L"20.1", false},
-        {L"a", L"L", L"x", false},   {L"a", L"UP", L"5", true},   {L"b", L"UP", L"5", false},
-        {L"a", L"N", L"", true},     {L"a", L"N", L"1x", false},  {L"a", L"B", L"yes", true},
-        {L"a", L"B", L"on", false},  {L"a", L"S", L"any", true},  {L"a", L"NONE", L"1", false},
+        {L"a", L"L", L"12.5", true},     {L"a", L"L", L"12,5", true},
+        {L"a", L"L", L"13", false},      {L"a", L"L", L"9", false},
+        {L"a", L"L", L"20", true},       {L"a", L"L", L"20.1", false},
+        {L"a", L"L", L"x", false},       {L"a", L"UP", L"5", true},
+        {L"b", L"UP", L"5", false},      {L"a", L"F", L"20", true},
+        {L"a", L"F", L"19", false},      {L"a", L"F", L"101", false},
+        {L"a", L"TURN", L"25", true},    {L"a", L"TURN", L"26", false},
+        {L"a", L"TURN", L"7", false},    {L"a", L"SQUARE", L"9", true},
+        {L"a", L"SQUARE", L"10", false}, {L"a", L"N", L"", true},
+        {L"a", L"N", L"1x", false},      {L"a", L"B", L"yes", true},
+        {L"a", L"B", L"on", false},      {L"a", L"S", L"any", true},
+        {L"a", L"NONE", L"1", false},
     };
     for (const Case& one : cases) {
         EXPECT_EQ(table.IsCellValueValid(one.row, one.column, one.value), one.isValid)

@@ -180,3 +180,59 @@ TEST_F(CacheFile, ServesNoValueThatAnEditMadeWrong)
     family.GetEncapFamilyTable()->GetValue(L"own", L"T", value);
     EXPECT_EQ(value, L"8");
 }
+
+TEST_F(CacheFile, TypedTextsAreEvaluatedAtTheNextOpening)
+{
+    CStandaloneEvaluatorProvider host;
+    builder.Column({L"B", L"boolean"}).Row(L"kept", {{L"W", L"5"}});
+    CString edited;
+    {
+        const auto family = builder.Open(&host, {L"<S xml:lang='en'/>"}, false, folder.File(L""));
+        CEncapFamilyTable& table = *family->GetEncapFamilyTable();
+        table.SetValue(L"kept", L"W", L"7", true);
+        EXPECT_EQ(CellText(*family, L"kept", L"X"), L"14");
+        table.SetValue(L"r", L"W", L"2,5", true);
+        table.SetValue(L"s", L"W", L"2+2", true);
+        table.SetValue(L"s", L"T", L"\"a \" & {W}", true);
+        table.SetValue(L"s", L"B", L"on", true);
+        CellText(*family, L"s", L"X");
+        family->GetFamilyXML().GetXml(edited);
+    }
+    const auto open = [&](const CString& directory) {
+        return std::make_unique<CEncapFamily>(edited.c_str(),
+                                              std::vector<CString>{L"<S xml:lang='en'/>"},
+                                              directory.c_str(), &host, false);
+    };
+    ValueCacheStore store(folder.File(L"").c_str());
+    EXPECT_NE(store.RowCache(L"kept", false), nullptr) << "a plain number is its own value";
+    const auto cached = open(folder.File(L""));
+    const auto fresh = open(L"");
+    for (const CString row : {L"r", L"s", L"kept"}) {
+        for (const CString column : {L"W", L"X", L"T", L"B"}) {
+            EXPECT_EQ(CellText(*cached, row, column), CellText(*fresh, row, column))
+                << row << column;
+        }
+    }
+    EXPECT_EQ(CellText(*cached, L"s", L"X"), L"8");
+}
+
+TEST_F(CacheFile, HoldsNothingUnderAnIdThatIsThereTwice)
+{
+    CStandaloneEvaluatorProvider host;
+    builder.Column({L"w", L"double", L"mm", L"9"})
+        .Column({L"B", L"boolean", L"", L"true"})
+        .Row(L"R", {{L"W", L"5"}});
+    {
+        const auto family = builder.Open(&host, {L"<S xml:lang='en'/>"}, false, folder.File(L""));
+        CComBSTR xml;
+        EXPECT_TRUE(family->GetEncapFamilyTable()->GetEvaluatedXml(xml));
+    }
+    ValueCacheStore store(folder.File(L"").c_str());
+    EXPECT_EQ(store.RowCache(L"r", false), nullptr);
+    EXPECT_EQ(store.RowCache(L"R", false), nullptr);
+    CString value;
+    for (const wchar_t* column : {L"W", L"w", L"X", L"T"}) {
+        EXPECT_EQ(store.Get(L"s", store.FindColumn(column), L"en", value), 1) << column;
+    }
+    EXPECT_EQ(store.Get(L"s", store.FindColumn(L"B"), L"en", value), 0);
+}
