@@ -108,8 +108,8 @@ ExitStatus RunReporting(const std::vector<std::string>& arguments, Console& cons
 
 } // namespace
 
-int RunCommand(const std::vector<std::string>& arguments, std::ostream& out,
-               std::ostream& err, std::unique_ptr<Command>& command) noexcept
+int RunCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+               std::unique_ptr<Command>& command) noexcept
 {
     try {
         Console console(out, err);

@@ -36,6 +36,13 @@ FamilyHost::FamilyHost(const HostOptions& options)
     }
 }
 
+void FamilyHost::ReadUnits()
+{
+    CString ignored;
+    static_cast<void>(m_provider.GetDatabaseUnit(L"m", ignored));
+    m_provider.Forget();
+}
+
 CString FamilyHost::MakeCacheFolder(const Fingerprint& fingerprint) const
 {
     CString folder =

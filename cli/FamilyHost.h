@@ -28,6 +28,9 @@ public:
     FamilyHost& operator=(const FamilyHost&) = delete;
 
     [[nodiscard]] RecordingProvider& Provider() { return m_provider; }
+    /// Reads the units now, on whatever thread, instead of when the first is asked for. Families
+    /// may be opened meanwhile, but nothing evaluated.
+    void ReadUnits();
     [[nodiscard]] bool LocalizesDecimals() const { return m_localizesDecimals; }
     [[nodiscard]] bool HasCache() const { return !m_cache.empty(); }
     /// Of everything but the families that values depend on.

@@ -6,6 +6,9 @@
 #include "cli/Results.h"
 #include "cli/TableFormats.h"
 
+#include <future>
+#include <optional>
+
 namespace encap::cli {
 namespace {
 
@@ -42,7 +45,10 @@ void TableCommand::Declare(Options& options)
 ExitStatus TableCommand::Run(Console& console)
 {
     FamilyHost& host = m_openHost.emplace(m_host);
+    // Reading the units takes as long as reading 500 rows, and hardly a table does without.
+    auto units = std::async([&host] { host.ReadUnits(); });
     OpenFamily& family = m_openFamily.emplace(m_path, m_family, host);
+    units.get();
     family.File().RequireNotRead(m_output);
     Results results(console, m_output);
     CellReader cells(family, console);

@@ -7,13 +7,12 @@ int main(int argc, char** argv)
 {
     XMLParser file;
     const std::string path(argc > 1 ? argv[1] : "");
-    CString xml;
-    if (!file.LoadXmlDocument(CString(path.begin(), path.end()).c_str()) || !file.GetXml(xml)) {
+    if (!file.LoadXmlDocument(CString(path.begin(), path.end()).c_str())) {
         std::cerr << "cannot read " << path << '\n';
         return 1;
     }
     CStandaloneEvaluatorProvider host; // or your own IEvaluatorProvider
-    const CEncapFamily family(xml.c_str(), {}, L"", &host, false);
+    const CEncapFamily family(file, {}, L"", &host, false);
     CEncapFamilyTable* table = family.GetEncapFamilyTable();
     for (const CString& row : table->GetAllRowIDs()) {
         for (const CString& column : table->GetAllColumnIDs()) {

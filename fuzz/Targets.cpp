@@ -6,10 +6,10 @@ namespace encap::fuzz {
 namespace {
 
 constexpr Target kTargets[] = {
-    {"family", RunFamily}, {"checks", RunChecks}, {"strings", RunStrings},
-    {"edits", RunEdits}, {"model", RunModel}, {"xpath", RunXPath},
+    {"family", RunFamily},     {"checks", RunChecks},     {"strings", RunStrings},
+    {"edits", RunEdits},       {"model", RunModel},       {"xpath", RunXPath},
     {"formulas", RunFormulas}, {"language", RunLanguage}, {"cache", RunCache},
-    {"toc", RunToc}, {"images", RunImages},
+    {"toc", RunToc},           {"images", RunImages},
 };
 
 } // namespace

@@ -113,7 +113,9 @@ CValueCacheLoc* ValueCacheStore::RowCache(std::wstring_view rowId, bool create)
     if (m_lastRow != nullptr && m_lastRowId == rowId) {
         return m_lastRow;
     }
-    const auto found = m_rows.find(rowId);
+    // A row is asked for before it is made.
+    const bool isMissing = m_lastRow == nullptr && m_lastRowId == rowId && !rowId.empty();
+    const auto found = isMissing ? m_rows.end() : m_rows.find(rowId);
     if (found != m_rows.end()) {
         m_lastRow = found->second.get();
     } else if (create) {
@@ -121,7 +123,7 @@ CValueCacheLoc* ValueCacheStore::RowCache(std::wstring_view rowId, bool create)
             m_rows.emplace(rowId, std::make_unique<CValueCacheLoc>(*this)).first->second.get();
         m_changed = true;
     } else {
-        return nullptr;
+        m_lastRow = nullptr;
     }
     m_lastRowId = rowId;
     return m_lastRow;

@@ -126,7 +126,7 @@ private:
     CString m_filePath;
     bool m_changed = false;
     CString m_lastRowId;
-    CValueCacheLoc* m_lastRow = nullptr;
+    CValueCacheLoc* m_lastRow = nullptr; ///< null: that row has none
     mutable uint32_t m_lastLanguage = kNoNumber;
     std::vector<uint16_t> m_fileColumns;   ///< by column number, while saving
     std::vector<uint32_t> m_columnsOfFile; ///< by file index, while loading

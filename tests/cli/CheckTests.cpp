@@ -4,8 +4,8 @@
 #include "cli/check/FindingWriter.h"
 #include "encap/foundation/Version.h"
 #include "tests/cli/CliRun.h"
+#include "tests/support/ProcessorTime.h"
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -215,9 +215,9 @@ TEST(Check, LongIdsCostNeitherTimeNorRoom)
     std::ofstream(path) << "<F><FamilyTable><Columns><Column ColumnId='"
                         << std::string(kLength, 'A') << "'/><Column ColumnId='B' ColumnwideValue='{"
                         << std::string(kLength, 'C') << "}'/></Columns></FamilyTable></F>";
-    const auto start = std::chrono::steady_clock::now();
+    const ProcessorTime time;
     const CliRun run({"check", "--rule", "reference-unknown", path});
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    EXPECT_LT(time.Seconds(), 5.0);
     EXPECT_EQ(1, run.status);
     EXPECT_LT(run.out.size(), 2000U);
 }

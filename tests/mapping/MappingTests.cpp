@@ -1,9 +1,9 @@
 #include "encap/mapping/FamilyMapping.h"
 #include "encap/table/FamilyColumn.h"
 #include "tests/family/TestFamily.h"
+#include "tests/support/ProcessorTime.h"
 
 #include <algorithm>
-#include <ctime>
 #include <set>
 #include <string>
 #include <vector>
@@ -139,7 +139,7 @@ double SecondsToMap(int columns)
     TestFamily family(
         FamilyXml(columns, L"<FamilyTemplate Name='T1'/><FamilyTemplate Name='T2'/>"));
     CEncapFamilyMapping& mapping = *family->GetEncapFamilyMapping();
-    const std::clock_t start = std::clock();
+    const encap::test::ProcessorTime time;
     for (const wchar_t* round : {L"first", L"second"}) {
         for (int i = 0; i < columns; ++i) {
             CEncapFamilyColumn* column = ColumnAt(family, i);
@@ -167,7 +167,7 @@ double SecondsToMap(int columns)
     EXPECT_EQ(CountOf(family.Root(), L"//GeneralizedParameter | //ColumnToTemplate | "
                                      L"//ParamToColumn"),
               0U);
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    return time.Seconds();
 }
 
 TEST(Mapping, TheCostOfAColumnDoesNotGrowWithTheirNumber)

@@ -1,21 +1,20 @@
 #include "tests/support/FamilyBuilder.h"
+#include "tests/support/ProcessorTime.h"
 #include "tests/support/SumProvider.h"
 
 #include <algorithm>
 #include <array>
-#include <ctime>
 #include <functional>
 
 using namespace encap::test;
 
 namespace {
 
-/// The processor's time, which a busy machine disturbs least.
 double Timed(const std::function<void()>& work)
 {
-    const std::clock_t start = std::clock();
+    const ProcessorTime time;
     work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    return time.Seconds();
 }
 
 /// The middle one of three, which a busy machine disturbs least.

@@ -4,9 +4,9 @@
 #include "encap/platform/Encoding.h"
 #include "encap/toc/TocCategory.h"
 #include "encap/toc/TocFamily.h"
+#include "tests/support/ProcessorTime.h"
 
 #include <algorithm>
-#include <ctime>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -281,12 +281,6 @@ CString LargeLibrary(int families)
     return xml + L"</Categories></TableOfContents>";
 }
 
-/// Of the processor: other programs take their share of the wall clock.
-double SecondsSince(std::clock_t start)
-{
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
 /// What each step takes a family, in microseconds.
 struct BrowseTimes {
     double load = 0;
@@ -298,21 +292,21 @@ BrowseTimes Browse(int families)
 {
     BrowseTimes times;
     const CString xml = LargeLibrary(families);
-    const auto micros = [families](std::clock_t start) {
-        return SecondsSince(start) * 1e6 / families;
+    const auto micros = [families](const encap::test::ProcessorTime& time) {
+        return time.Seconds() * 1e6 / families;
     };
-    auto start = std::clock();
+    encap::test::ProcessorTime time;
     CToc toc = Open(xml);
-    times.load = micros(start);
+    times.load = micros(time);
 
-    start = std::clock();
+    time = {};
     toc.ResetIter();
     const std::vector<CString> names = Rest(toc, &CToc::NextNode);
-    times.iterate = micros(start);
+    times.iterate = micros(time);
     EXPECT_EQ(names.size(), static_cast<std::size_t>(families));
     EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
 
-    start = std::clock();
+    time = {};
     XMLNode node;
     CString title;
     int last = 0;
@@ -321,7 +315,7 @@ BrowseTimes Browse(int families)
         last += CTocFamily(node).GetDisplayName(title) && title == L"last" ? 1 : 0;
         EXPECT_FALSE(toc.GetFamilyInfo((L"f" + std::to_wstring(i + families)).c_str(), node));
     }
-    times.find = micros(start);
+    times.find = micros(time);
     EXPECT_EQ(last, families / 10);
     std::map<CString, CString> categories;
     toc.GetFam2CatMap(categories, false);
