@@ -1,9 +1,8 @@
 #include "encap/platform/Files.h"
 
 #include "encap/foundation/CodePoints.h"
-#include "encap/foundation/NumberText.h"
 #include "encap/platform/Encoding.h"
-#include "encap/platform/Guid.h"
+#include "encap/platform/ReplaceSteps.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,19 +17,9 @@
 namespace encap::platform {
 namespace {
 
-constexpr std::wstring_view kSeparators = L"/\\";
 constexpr int kMostLinks = 40;
 constexpr std::size_t kLongestLink = 4096;
-constexpr int kMostNames = 16;
 constexpr mode_t kPermissionBits = 07777;
-
-/// The steps that FailReplaceStep still counts down to on this thread; 0 when it is off.
-thread_local int g_stepsToFailure = 0;
-
-bool StepIsMadeToFail()
-{
-    return g_stepsToFailure > 0 && --g_stepsToFailure == 0;
-}
 
 /// An open file, closed with the object.
 class Descriptor {
@@ -161,11 +150,8 @@ bool Rename(const std::string& from, const std::string& to)
 int CreateTemporary(const std::string& directory, mode_t mode, std::string& path)
 {
     int descriptor = -1;
-    for (int i = 0; i < kMostNames && descriptor < 0; ++i) {
-        const Guid guid = CreateGuid();
-        const CString name = L".encap-" + FormatHexadecimal(guid.data1) +
-                             FormatHexadecimal(guid.data2) + L"-" + FormatInteger(i) + L".tmp";
-        path = directory + WideToUtf8(name);
+    for (int i = 0; i < kMostTemporaryNames && descriptor < 0; ++i) {
+        path = directory + WideToUtf8(NewTemporaryName(i));
         descriptor = Uninterrupted(
             [&] { return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode); });
         if (descriptor < 0 && errno != EEXIST) {
@@ -200,20 +186,6 @@ void FlushDirectory(const std::string& directory)
 wchar_t PathSeparator()
 {
     return L'/';
-}
-
-CString WithTrailingSeparator(CString directory)
-{
-    if (directory.empty() || kSeparators.find(directory.back()) == std::wstring_view::npos) {
-        directory += PathSeparator();
-    }
-    return directory;
-}
-
-std::size_t FileNamePosition(std::wstring_view path)
-{
-    // npos + 1 is 0.
-    return path.find_last_of(kSeparators) + 1;
 }
 
 bool FileExists(const CString& path)
@@ -299,11 +271,6 @@ Replacement TryReplaceFile(const CString& path, std::string_view bytes)
     return Replacement::Done;
 }
 
-bool ReplaceFileContent(const CString& path, std::string_view bytes)
-{
-    return TryReplaceFile(path, bytes) == Replacement::Done;
-}
-
 bool DeleteFileIfPresent(const CString& path)
 {
     std::string native;
@@ -339,11 +306,6 @@ CString TemporaryDirectory()
         directory.pop_back();
     }
     return directory;
-}
-
-void FailReplaceStep(int step)
-{
-    g_stepsToFailure = step;
 }
 
 } // namespace encap::platform

@@ -1,7 +1,6 @@
 #include "encap/platform/Files.h"
 
-#include "encap/foundation/NumberText.h"
-#include "encap/platform/Guid.h"
+#include "encap/platform/ReplaceSteps.h"
 #include "encap/platform/windows/NativePath.h"
 #include "encap/platform/windows/OwnedHandle.h"
 
@@ -12,18 +11,8 @@
 namespace encap::platform {
 namespace {
 
-constexpr std::wstring_view kSeparators = L"/\\";
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr std::size_t kMostAtOnce = std::size_t{1} << 30;
-constexpr int kMostNames = 16;
-
-/// The steps that FailReplaceStep still counts down to on this thread; 0 when it is off.
-thread_local int g_stepsToFailure = 0;
-
-bool StepIsMadeToFail()
-{
-    return g_stepsToFailure > 0 && --g_stepsToFailure == 0;
-}
 
 /// A file that is removed with the object unless it was kept.
 class TemporaryFile {
@@ -85,11 +74,8 @@ bool IsReplaceable(const CString& native, DWORD attributes)
 HANDLE CreateTemporary(const CString& target, CString& path)
 {
     HANDLE handle = INVALID_HANDLE_VALUE;
-    for (int i = 0; i < kMostNames && handle == INVALID_HANDLE_VALUE; ++i) {
-        const Guid guid = CreateGuid();
-        path = target.substr(0, FileNamePosition(target)) + L".encap-" +
-               FormatHexadecimal(guid.data1) + FormatHexadecimal(guid.data2) + L"-" +
-               FormatInteger(i) + L".tmp";
+    for (int i = 0; i < kMostTemporaryNames && handle == INVALID_HANDLE_VALUE; ++i) {
+        path = target.substr(0, FileNamePosition(target)) + NewTemporaryName(i);
         handle = Open(path, GENERIC_WRITE, CREATE_NEW);
         if (handle == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) {
             break;
@@ -183,20 +169,6 @@ wchar_t PathSeparator()
     return L'\\';
 }
 
-CString WithTrailingSeparator(CString directory)
-{
-    if (directory.empty() || kSeparators.find(directory.back()) == std::wstring_view::npos) {
-        directory += PathSeparator();
-    }
-    return directory;
-}
-
-std::size_t FileNamePosition(std::wstring_view path)
-{
-    // npos + 1 is 0.
-    return path.find_last_of(kSeparators) + 1;
-}
-
 bool FileExists(const CString& path)
 {
     CString native;
@@ -277,11 +249,6 @@ Replacement TryReplaceFile(const CString& path, std::string_view bytes)
     return Replacement::Done;
 }
 
-bool ReplaceFileContent(const CString& path, std::string_view bytes)
-{
-    return TryReplaceFile(path, bytes) == Replacement::Done;
-}
-
 bool DeleteFileIfPresent(const CString& path)
 {
     CString native;
@@ -326,11 +293,6 @@ CString TemporaryDirectory()
         directory.pop_back();
     }
     return directory.empty() ? L"." : directory;
-}
-
-void FailReplaceStep(int step)
-{
-    g_stepsToFailure = step;
 }
 
 } // namespace encap::platform
