@@ -1,5 +1,7 @@
 #include "encap/xml/NodeStore.h"
 
+#include "encap/platform/MemoryUse.h"
+
 #include <algorithm>
 #include <new>
 
@@ -108,7 +110,11 @@ void NodeStore::GiveLarge(void* memory) noexcept
 void NodeStore::AddBlock()
 {
     const std::size_t size = std::clamp(m_blockSize * 2, kFirstBlock, kLargestBlock);
-    m_blocks.push_back(platform::NewMemoryBlock(size));
+    std::unique_ptr<std::byte[]> block(new std::byte[size]); // its bytes are set piece by piece
+    if (size == kLargestBlock) {
+        platform::ExpectWrites(block.get(), size);
+    }
+    m_blocks.push_back(std::move(block));
     m_blockSize = size;
     m_next = m_blocks.back().get();
     m_left = size;

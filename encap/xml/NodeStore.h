@@ -1,9 +1,8 @@
 #pragma once
 
-#include "encap/platform/MemoryBlock.h"
-
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 namespace encap {
@@ -40,7 +39,7 @@ private:
     void GiveLarge(void* memory) noexcept;
     void AddBlock();
 
-    std::vector<platform::MemoryBlock> m_blocks;
+    std::vector<std::unique_ptr<std::byte[]>> m_blocks;
     std::byte* m_next = nullptr; ///< the unused rest of the last block
     std::size_t m_left = 0;
     std::size_t m_blockSize = 0;

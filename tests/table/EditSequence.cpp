@@ -336,7 +336,11 @@ bool EditSequence::SetAttribute()
     Column& column = UserColumn();
     CEncapFamilyColumn& live = Live(column);
     const int number = Below(3);
-    const int kind = Below(8);
+    constexpr int kTypeAttribute = 3;
+    // Stamps are served as they were set, which as texts is their value too.
+    const bool isStamp = column.id.find(L"REVISION") != CString::npos;
+    const int drawn = Below(8);
+    const int kind = drawn == kTypeAttribute && isStamp ? 0 : drawn;
     Log(L"attribute " + std::to_wstring(kind) + L" of " + column.id + L" to " +
         std::to_wstring(number));
     switch (kind) {
@@ -352,7 +356,7 @@ bool EditSequence::SetAttribute()
         column.unit = OneOf({L"", L"ul", L"bad"});
         live.SetUnitType(column.unit.c_str());
         break;
-    case 3:
+    case kTypeAttribute:
         column.type = number;
         column.typed = true;
         Table().SetColumnDataType(column.id.c_str(),
