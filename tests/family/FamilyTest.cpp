@@ -35,6 +35,27 @@ TEST(Family, OpensWithoutAProvider)
     EXPECT_EQ(value, L"5");
 }
 
+TEST(Family, SharesDocumentsThatAreParsedAlready)
+{
+    const XMLParser document(kSmall);
+    const XMLParser declared(L"<?xml version='1.0' encoding='UTF-8'?><S xml:lang='de'/>");
+    CEncapFamily family(document, {XMLParser(), declared}, nullptr, nullptr, false);
+    ASSERT_NE(family.GetEncapFamilyTable(), nullptr);
+    EXPECT_EQ(family.GetFamStringsCount(), 1);
+    family.SetInternalName(L"set");
+    CString text;
+    document.GetRootNode().GetProperty(L"InternalName", text);
+    EXPECT_EQ(text, L"set");
+    const auto declaresUtf16 = [&text](const XMLParser& parser) {
+        parser.GetXml(text);
+        return text.find(L"encoding=\"UTF-16\"") != CString::npos;
+    };
+    EXPECT_TRUE(declaresUtf16(document));
+    EXPECT_FALSE(declaresUtf16(declared));
+    const CEncapFamily empty(XMLParser(), {declared}, nullptr, nullptr, false);
+    EXPECT_EQ(empty.GetEncapFamilyTable(), nullptr);
+}
+
 TEST(Family, KeepsTheDecimalSeparatorOfItsMaking)
 {
     FakeProvider provider;

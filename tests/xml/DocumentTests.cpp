@@ -52,6 +52,14 @@ TEST(Document, ADeclarationIsKeptUntilAnotherReplacesIt)
     EXPECT_EQ(XmlOf(parser), parsed + "<a>\xE2\x82\xAC</a>\n");
     EXPECT_TRUE(parser.SetXml(L"<b/>"));
     EXPECT_EQ(XmlOf(parser), parsed + "<b/>\n");
+    EXPECT_TRUE(parser.SetXml(std::string_view("\xEF\xBB\xBF<?xml version='1.0' "
+                                               "encoding='ISO-8859-1'?><a>\xE2\x82\xAC</a>")));
+    EXPECT_EQ(XmlOf(parser),
+              "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<a>\xE2\x82\xAC</a>\n");
+    EXPECT_FALSE(parser.SetXml(std::string_view("<a>\xFF</a>")));
+    EXPECT_FALSE(parser.GetRootNode().IsNode());
+    EXPECT_FALSE(parser.SetXml(std::string_view()));
+    EXPECT_TRUE(parser.SetXml(L"<b/>"));
     EXPECT_TRUE(parser.CreateXmlDocument(nullptr));
     EXPECT_EQ(XmlOf(parser), "<?xml version=\"1.0\"?>\n<b/>\n");
     EXPECT_FALSE(parser.CreateXmlDocument(L"UTF-8'?><!--"));
