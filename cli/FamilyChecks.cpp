@@ -27,8 +27,11 @@ void CheckFamily(OpenFamily& family, const CheckOptions& options, const FindingS
             check->VisitColumn(column, report);
         }
     }
+    // The library's table is the first of them, with or without rows.
+    XMLNode table;
     XMLNode rows;
-    family.Family().GetFamilyXML().GetRootNode().GetChildNode(L"FamilyTable/Rows", rows);
+    family.Family().GetFamilyXML().GetRootNode().GetChildNode(L"FamilyTable", table);
+    table.GetChildNode(L"Rows", rows);
     RowReader reader(checked);
     CheckedRow row;
     ForEachChild(rows, L"Row", [&](const XMLNode& element) {
