@@ -51,14 +51,20 @@ public:
 private:
     static constexpr std::size_t kPiece = 4096;
 
+    // As much as is asked for while there is any: behind a short piece libxml2 2.9 may lose its place
+    // between the bytes of a character.
     int Give(char* buffer, std::size_t size)
     {
-        if (m_position == m_piece.size()) {
-            Convert();
+        std::size_t given = 0;
+        while (given < size && (m_position < m_piece.size() || !m_rest.empty())) {
+            if (m_position == m_piece.size()) {
+                Convert();
+            }
+            const std::size_t count = std::min(size - given, m_piece.size() - m_position);
+            std::copy_n(m_piece.data() + m_position, count, buffer + given);
+            m_position += count;
+            given += count;
         }
-        const std::size_t given = std::min(size, m_piece.size() - m_position);
-        std::copy_n(m_piece.data() + m_position, given, buffer);
-        m_position += given;
         return static_cast<int>(given);
     }
 
