@@ -51,8 +51,8 @@ public:
 private:
     static constexpr std::size_t kPiece = 4096;
 
-    // As much as is asked for while there is any: behind a short piece libxml2 2.9 may lose its place
-    // between the bytes of a character.
+    // As much as is asked for while there is any: behind a short piece, libxml2 2.9 may lose its
+    // place between the bytes of a character.
     int Give(char* buffer, std::size_t size)
     {
         std::size_t given = 0;
