@@ -47,7 +47,9 @@ ExitStatus TableCommand::Run(Console& console)
     FamilyHost& host = m_openHost.emplace(m_host);
     // Reading the units takes as long as reading 500 rows, and hardly a table does without.
     auto units = std::async([&host] { host.ReadUnits(); });
-    OpenFamily& family = m_openFamily.emplace(m_path, m_family, host);
+    // A family with a cache saves its values when it closes, however this ends.
+    std::optional<OpenFamily> closing;
+    OpenFamily& family = (host.HasCache() ? closing : m_openFamily).emplace(m_path, m_family, host);
     units.get();
     family.File().RequireNotRead(m_output);
     Results results(console, m_output);
@@ -60,11 +62,7 @@ ExitStatus TableCommand::Run(Console& console)
     }
     results.Finish();
     cells.Failures().Summarize(cells.RowIds().size() * cells.Columns().size());
-    const ExitStatus status = cells.Failures().Status();
-    if (host.HasCache()) {
-        m_openFamily.reset(); // the values are saved when the family closes
-    }
-    return status;
+    return cells.Failures().Status();
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "encap/foundation/CaseFolding.h"
 #include "encap/foundation/CodePoints.h"
 #include "encap/foundation/NumberText.h"
+#include "encap/platform/Encoding.h"
 #include "encap/platform/Files.h"
 
 #include <algorithm>
@@ -245,28 +246,9 @@ CString ReadTextFile(const CString& path, Fingerprint* fingerprint)
 
 bool DecodeUtf8(std::string_view bytes, CString& text, std::size_t& position)
 {
-    text.resize(bytes.size());
-    wchar_t* out = text.data();
-    position = 0;
-    while (position < bytes.size()) {
-        while (bytes.size() - position >= 8 && IsPlain(bytes.data() + position)) {
-            for (int i = 0; i < 8; ++i) {
-                *out++ = static_cast<wchar_t>(bytes[position++]);
-            }
-        }
-        if (position == bytes.size()) {
-            break;
-        }
-        char32_t character = 0;
-        const std::size_t length = ReadUtf8(bytes.substr(position), character);
-        if (length == 0) {
-            return false;
-        }
-        position += length;
-        out = WriteCodePoint(out, character);
-    }
-    text.resize(static_cast<std::size_t>(out - text.data()));
-    return true;
+    position = Utf8Length(bytes);
+    platform::AssignWide(text, bytes.substr(0, position));
+    return position == bytes.size();
 }
 
 bool DecodeUtf16(std::string_view bytes, bool isBigEndian, CString& text, std::size_t& position)

@@ -34,10 +34,10 @@ public:
     CEncapFamily(const wchar_t* familyXml, const std::vector<CString>& stringsXmls,
                  const wchar_t* cacheDirectory, IEvaluatorProvider* provider,
                  bool localizeDecimalSeparator);
-    /// The same with documents that are parsed already, as from files: the family shares them and
-    /// edits them. A family document without a document element makes an empty family; a strings
-    /// document without one is skipped. A document without a declaration gets the one of family
-    /// documents.
+    /// The same with documents that are parsed already, as from files: the family shares them with
+    /// the caller and edits them; none may be given to two families. A parser without a document or
+    /// without a document element makes an empty family; among the strings it is skipped. A
+    /// document without a declaration gets the one of family documents.
     CEncapFamily(const XMLParser& family, const std::vector<XMLParser>& strings,
                  const wchar_t* cacheDirectory, IEvaluatorProvider* provider,
                  bool localizeDecimalSeparator);

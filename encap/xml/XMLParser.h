@@ -64,6 +64,7 @@ public:
     /// Gives the document a declaration of version 1.0 with this encoding name, in place of the one
     /// it has; null or empty: without an encoding. False for a text that is no encoding name.
     bool CreateXmlDocument(const wchar_t* encoding);
+    /// Whether the content was parsed with a declaration or has been given one.
     [[nodiscard]] bool HasDeclaration() const;
     /// Reads a file, in the encoding that its byte order mark or declaration names. False without
     /// change when the file cannot be read; false and an empty document when it does not parse.
@@ -84,7 +85,8 @@ public:
     /// declaration names is kept as a name only.
     bool SetXml(const wchar_t* xml);
     bool SetXml(const CString& xml);
-    /// The same for a text in UTF-8, which must be valid: it costs a fifth of the memory.
+    /// The same for a text in UTF-8, with or without a byte order mark: no wide copy is made. An
+    /// empty text and one with bytes that are no characters do not parse.
     bool SetXml(std::string_view utf8);
 
     [[nodiscard]] XMLDocumentHandle GetDocument() const { return m_document; }
